@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what a program may link against; everything else in the library is hidden.
+#define ZVMATH_EXPORT __attribute__((visibility("default")))

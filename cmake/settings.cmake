@@ -14,7 +14,7 @@ endif()
 function(zvmath_settings target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   target_compile_options(${target} PRIVATE
-    -ffp-contract=off  # a*b + c rounds twice, everywhere
+    -ffp-contract=off # a*b + c rounds twice, everywhere
     -Wall -Wextra -Wconversion -Wshadow -Wpedantic -Wno-unknown-attributes
     $<$<BOOL:${ZVMATH_WARNINGS_AS_ERRORS}>:-Werror>)
   if(ZVMATH_SANITIZE)

@@ -158,11 +158,17 @@ ZVMatrix ZVMatrix::Transpose() const
 
 ZVSquareMatrix::ZVSquareMatrix() = default;
 
-ZVSquareMatrix::ZVSquareMatrix(unsigned int n, double value) : ZVMatrix(n, n, value) {}
+ZVSquareMatrix::ZVSquareMatrix(unsigned int n, double value) : ZVMatrix(n, n, value)
+{
+}
 
-void ZVSquareMatrix::Resize(unsigned int, unsigned int, double) {}
+void ZVSquareMatrix::Resize(unsigned int, unsigned int, double)
+{
+}
 
-void ZVSquareMatrix::AddRow(double) {}
+void ZVSquareMatrix::AddRow(double)
+{
+}
 
 void ZVSquareMatrix::Resize(unsigned int n, double value)
 {
@@ -216,9 +222,13 @@ ZVSquareMatrix ZVSquareMatrix::Invert() const
     return result;
 }
 
-ZV4x4Matrix::ZV4x4Matrix() : ZVSquareMatrix(4) {}
+ZV4x4Matrix::ZV4x4Matrix() : ZVSquareMatrix(4)
+{
+}
 
-ZV4x4Matrix::ZV4x4Matrix(double value) : ZVSquareMatrix(4, value) {}
+ZV4x4Matrix::ZV4x4Matrix(double value) : ZVSquareMatrix(4, value)
+{
+}
 
 ZV4x4Matrix::ZV4x4Matrix(const ZVMatrix& matrix) : ZVSquareMatrix(4)
 {
@@ -228,8 +238,12 @@ ZV4x4Matrix::ZV4x4Matrix(const ZVMatrix& matrix) : ZVSquareMatrix(4)
                     Elements() + r * 4);
 }
 
-void ZV4x4Matrix::Clear() {}
+void ZV4x4Matrix::Clear()
+{
+}
 
-void ZV4x4Matrix::Resize(unsigned int, double) {}
+void ZV4x4Matrix::Resize(unsigned int, double)
+{
+}
 
 }  // namespace ZVMath

@@ -15,9 +15,6 @@ namespace ZVMath
 namespace
 {
 
-// The largest table then has binomial(25, 12) elements, 42 MB.
-constexpr size_t maxTableColumns = 25;
-
 using Binomials = std::array<std::array<size_t, maxTableColumns + 2>, maxTableColumns + 1>;
 
 constexpr Binomials MakeBinomials()
@@ -203,7 +200,7 @@ std::vector<double> Without(const double* matrix, size_t n, size_t i, size_t j)
 
 }  // namespace
 
-double LaplaceDeterminant(const double* matrix, size_t n)
+double LaplaceDeterminant(const double* matrix, size_t n, size_t tableColumns)
 {
     switch (n) {
     case 0:
@@ -219,10 +216,11 @@ double LaplaceDeterminant(const double* matrix, size_t n)
     default:
         break;
     }
-    if (n > maxTableColumns) {
+    if (n > tableColumns) {
         double sum = 0.0;
         for (size_t j = 0; j < n; ++j) {
-            const double minor = LaplaceDeterminant(Without(matrix, n, 0, j).data(), n - 1);
+            const double minor =
+                LaplaceDeterminant(Without(matrix, n, 0, j).data(), n - 1, tableColumns);
             const double term = minor * matrix[j];
             sum = j % 2 == 0 ? sum + term : sum - term;
         }
@@ -234,17 +232,18 @@ double LaplaceDeterminant(const double* matrix, size_t n)
     return table.OfAll();
 }
 
-void LaplaceMinors(double* minors, const double* matrix, size_t n)
+void LaplaceMinors(double* minors, const double* matrix, size_t n, size_t tableColumns)
 {
     if (n <= 4) {
         const auto minorsOf = n == 2 ? Minors2 : n == 3 ? Minors3 : Minors4;
         minorsOf(minors, matrix);
         return;
     }
-    if (n > maxTableColumns) {
+    if (n > tableColumns) {
         for (size_t i = 0; i < n; ++i)
             for (size_t j = 0; j < n; ++j)
-                *minors++ = LaplaceDeterminant(Without(matrix, n, i, j).data(), n - 1);
+                *minors++ =
+                    LaplaceDeterminant(Without(matrix, n, i, j).data(), n - 1, tableColumns);
         return;
     }
     // The minors without row i share the rows below it; only those above are added for each i.

@@ -22,7 +22,7 @@ namespace ZVTest
 {
 
 constexpr double inf = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
 /// In decimal and in hexadecimal.
@@ -131,7 +131,7 @@ inline std::vector<std::vector<double>> ReadTable(const std::string& file)
         for (std::istringstream fields(line); std::getline(fields, field, '\t');) {
             char* end = nullptr;
             const double value = std::strtod(field.c_str(), &end);
-            row.push_back(end == field.c_str() || *end != '\0' ? nan : value);
+            row.push_back(end == field.c_str() || *end != '\0' ? NaN : value);
         }
         if (!rows.empty() || !std::isnan(row.at(0)))
             rows.push_back(row);

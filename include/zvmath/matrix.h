@@ -95,7 +95,8 @@ public:
     void Resize(unsigned int rows, unsigned int columns, double value) override;
     /// Does nothing: the matrix stays square.
     void AddRow(double value = 0.0) override;
-    /// Makes it n x n; elements keep their place in the row-by-row sequence, see `ZVMatrix::Resize`.
+    /// Makes it n x n; elements keep their place in the row-by-row sequence, see
+    /// `ZVMatrix::Resize`.
     virtual void Resize(unsigned int n, double value = 0.0);
 
     /// The matrix without row i and column j. 0 x 0 when i or j is out of range or the matrix is

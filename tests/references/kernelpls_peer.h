@@ -1,7 +1,7 @@
 #pragma once
 
-// Made by kernelpls_peer.py with scikit-learn's PLSRegression. Its fits are within 1e-10 of those in
-// extended precision, and are rounded to eight decimals here.
+// Made by kernelpls_peer.py with scikit-learn's PLSRegression, whose fits are within 1e-10 of those
+// in extended precision; they are rounded to eight decimals.
 
 namespace ZVTest
 {

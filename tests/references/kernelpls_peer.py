@@ -83,8 +83,8 @@ for name, F, kernel, exact in (
 
 print("""#pragma once
 
-// Made by kernelpls_peer.py with scikit-learn's PLSRegression. Its fits are within %g of those in
-// extended precision, and are rounded to eight decimals here.
+// Made by kernelpls_peer.py with scikit-learn's PLSRegression, whose fits are within %g of those
+// in extended precision; they are rounded to eight decimals.
 
 namespace ZVTest
 {

@@ -1,0 +1,91 @@
+// Calls the library and its own Eigen and prints every result to the bit. What it prints may not
+// depend on how it is compiled, so it computes nothing itself but with small integers.
+
+#include <Eigen/LU>
+#include <cstdio>
+#include <zvmath/zvmath.h>
+#include <zvsystem/errors.h>
+
+namespace
+{
+
+unsigned int state = 1;
+
+/// A small integer, by a linear congruential generator (Knuth and Lewis: Numerical Recipes, 1992).
+double Next()
+{
+    state = state * 1664525u + 1013904223u;
+    return static_cast<double>(static_cast<int>(state >> 24) - 128);
+}
+
+template <class Matrix> Matrix Random(Matrix matrix)
+{
+    for (unsigned int r = 0; r < matrix.GetNumRows(); ++r) {
+        std::vector<double> row(matrix.GetNumColumns());
+        for (double& element : row)
+            element = Next();
+        matrix.SetRowData(r, row);
+    }
+    return matrix;
+}
+
+void Print(const char* name, const std::vector<double>& values)
+{
+    std::printf("%s:", name);
+    for (const double value : values)
+        std::printf(" %a", value);
+    std::printf("\n");
+}
+
+void Print(const char* name, const Eigen::MatrixXd& m)
+{
+    Print(name, std::vector<double>(m.data(), m.data() + m.size()));
+}
+
+}  // namespace
+
+int main()
+{
+    using namespace ZVMath;
+    const ZVMatrix thirds = Random(ZVMatrix(40, 30)) * (1.0 / 3.0);
+    const ZVMatrix product = thirds * thirds.Transpose();
+    Print("product", product.GetData());
+
+    const ZVSquareMatrix square = Random(ZVSquareMatrix(9, 0.0));
+    Print("determinant", {square.Determinant()});
+    Print("inverse", square.Invert().GetData());
+
+    // An Eigen of the program's own, in vectors and factorisations, beside the library's.
+    Eigen::MatrixXd own(12, 12);
+    for (Eigen::Index i = 0; i < own.size(); ++i)
+        own.data()[i] = Next();
+    const Eigen::MatrixXd ownProduct = own * own.transpose();
+    Print("own product", ownProduct);
+    const Eigen::VectorXd solution =
+        (8.0 * Eigen::MatrixXd::Identity(12, 12)).eval().partialPivLu().solve(own.col(0));
+    Print("own solution", solution);
+
+    ZVSquareMatrix kernel(40);
+    for (unsigned int r = 0; r < 40; ++r)
+        kernel.SetRowData(r, std::vector<double>(product.GetData().begin() + r * 40,
+                                                 product.GetData().begin() + (r + 1) * 40));
+    std::vector<double> response(40);
+    for (double& y : response)
+        y = Next();
+    ZVKernelPLS model;
+    const bool fitted = model.Fit(kernel, response, 6);
+    Print("B", model.GetBValues());
+    Print("prediction", {fitted ? model.Predict(kernel.GetData()) : 0.0});
+
+    const ZVDBSCAN clusters(Random(ZVSquareMatrix(50)), -70.0, 12);
+    for (const int label : clusters.GetLabels())
+        std::printf("%d ", label);
+    for (const unsigned int center : clusters.GetClusterCenters())
+        std::printf("center %u ", center);
+    std::printf("\n");
+
+    ZVSystem::ZVThrow.SetWarningSink(
+        {[](void*, const char* message) { std::printf("warned: %s\n", message); }, nullptr});
+    Print("without a model", {ZVKernelPLS().Predict({})});
+    return 0;
+}

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <limits>
+#include <utility>
 
 namespace ZVMath
 {
@@ -12,36 +14,57 @@ namespace ZVMath
 namespace
 {
 
-// A label is the cluster's number, or one of these. An object that a cluster's growth reaches is
-// labelled when it is queued, so an unseen one is neither visited nor queued.
 constexpr int noise = -1;
-constexpr int unseen = -2;
 
-/// Writes the columns of `row` that are within eps to `neighbours`, which has room for n, in
-/// ascending order, and returns their number. Counting a block keeps pace with memory, so only
-/// blocks with members are looked at element by element.
-ZVMATH_CLONES size_t FindNeighbours(const double* row, size_t n, double eps,
-                                    unsigned int* neighbours)
+// Sets of objects: object q is bit q % 64 of word q / 64.
+constexpr size_t wordBits = 64;
+
+struct BitOfLane
 {
-    constexpr size_t block = 32;
-    size_t found = 0;
+    constexpr BitOfLane() : bits()
+    {
+        for (size_t k = 0; k < wordBits; ++k)
+            bits[k] = uint64_t{1} << k;
+    }
+    alignas(32) uint64_t bits[wordBits];
+};
+
+constexpr BitOfLane bitOfLane;
+
+typedef int64_t Words4 __attribute__((vector_size(32), may_alias));
+
+/// The set of the objects whose distance in `row` is within eps; returns their number. Without
+/// branches, so that nothing holds up the stream from memory.
+ZVMATH_CLONES size_t FindNeighbours(const double* row, size_t n, double eps, uint64_t* neighbours)
+{
+    size_t count = 0;
     size_t q = 0;
-    for (; q + block <= n; q += block) {
-        long long members = 0;
-        for (size_t k = 0; k < block; ++k)
-            members += row[q + k] <= eps;
-        if (members == 0)
-            continue;
-        for (size_t k = 0; k < block; ++k) {
-            neighbours[found] = static_cast<unsigned int>(q + k);
-            found += row[q + k] <= eps;
+    for (; q + wordBits <= n; q += wordBits) {
+        Words4 word = {};
+        for (size_t k = 0; k < wordBits; k += 4) {
+            const auto& bits = *reinterpret_cast<const Words4*>(bitOfLane.bits + k);
+            word |= (AsVec4(row + q + k) <= eps) & bits;
         }
+        const int64_t all = (word[0] | word[1]) | (word[2] | word[3]);
+        *neighbours++ = static_cast<uint64_t>(all);
+        count += static_cast<size_t>(__builtin_popcountll(static_cast<uint64_t>(all)));
     }
-    for (; q < n; ++q) {
-        neighbours[found] = static_cast<unsigned int>(q);
-        found += row[q] <= eps;
+    if (q < n) {
+        uint64_t word = 0;
+        for (size_t k = 0; q + k < n; ++k)
+            word |= uint64_t{row[q + k] <= eps} << k;
+        *neighbours = word;
+        count += static_cast<size_t>(__builtin_popcountll(word));
     }
-    return found;
+    return count;
+}
+
+/// Calls `visit` with the object of each bit that is set in word number `index`, ascending.
+template <class Visit> void ForEachObject(uint64_t word, size_t index, Visit visit)
+{
+    for (; word != 0; word &= word - 1)
+        visit(static_cast<unsigned int>(index * wordBits) +
+              static_cast<unsigned int>(__builtin_ctzll(word)));
 }
 
 /// sums[r] = the elements of rows[r] at `columns`, added from 0.0 in their order. The sums are
@@ -94,41 +117,53 @@ void ZVDBSCAN::Fit(double eps, unsigned int minPts)
         return;
     }
     const double* const matrix = distances.GetData().data();
-    std::vector<int> newLabels(n, unseen);
-    std::vector<unsigned int> neighbours(n);
-    std::vector<unsigned int> queue;
-    queue.reserve(n);
+    std::vector<int> newLabels(n, noise);
+    const size_t words = (n + wordBits - 1) / wordBits;
+    std::vector<uint64_t> neighbours(words);
+    std::vector<uint64_t> unseen(words, ~uint64_t{0});  // neither visited nor waiting
+    std::vector<uint64_t> waiting(words);               // reached by the cluster, not yet visited
+
     int cluster = 0;
-    for (size_t founder = 0; founder < n; ++founder) {
-        if (newLabels[founder] != unseen)
+    for (unsigned int founder = 0; founder < n; ++founder) {
+        const uint64_t bit = uint64_t{1} << founder % wordBits;
+        if ((unseen[founder / wordBits] & bit) == 0)
             continue;
-        size_t count = FindNeighbours(matrix + founder * n, n, eps, neighbours.data());
-        if (count < minPts) {
-            newLabels[founder] = noise;
+        unseen[founder / wordBits] &= ~bit;
+        const size_t count = FindNeighbours(matrix + founder * n, n, eps, neighbours.data());
+        if (count < minPts)
             continue;
-        }
+
+        newLabels[founder] = cluster;
+        const auto claim = [&](unsigned int q) { newLabels[q] = cluster; };
         // The founder also claims neighbours that are noise so far. They are not core objects, so
         // the cluster does not grow from them.
-        newLabels[founder] = cluster;
-        queue.clear();
-        for (size_t k = 0; k < count; ++k) {
-            int& label = newLabels[neighbours[k]];
-            if (label == unseen)
-                queue.push_back(neighbours[k]);
-            if (label < 0)
-                label = cluster;
-        }
-        for (size_t front = 0; front < queue.size(); ++front) {
-            count = FindNeighbours(matrix + queue[front] * n, n, eps, neighbours.data());
-            if (count < minPts)
-                continue;
-            for (size_t k = 0; k < count; ++k) {
-                int& label = newLabels[neighbours[k]];
-                if (label == unseen) {
-                    queue.push_back(neighbours[k]);
-                    label = cluster;
-                }
+        for (size_t w = 0; w < words; ++w)
+            ForEachObject(neighbours[w] & ~unseen[w], w, [&](unsigned int q) {
+                if (newLabels[q] == noise)
+                    claim(q);
+            });
+        const auto reach = [&] {
+            for (size_t w = 0; w < words; ++w) {
+                const uint64_t reached = neighbours[w] & unseen[w];
+                ForEachObject(reached, w, claim);
+                waiting[w] |= reached;
+                unseen[w] &= ~reached;
             }
+        };
+        reach();
+        // Which waiting object goes first does not matter to what the cluster reaches in the end.
+        // In ascending order rows are read nearly as they lie in memory.
+        for (bool growing = true; growing;) {
+            growing = false;
+            for (size_t w = 0; w < words; ++w)
+                while (waiting[w] != 0) {
+                    const size_t q =
+                        w * wordBits + static_cast<size_t>(__builtin_ctzll(waiting[w]));
+                    waiting[w] &= waiting[w] - 1;
+                    growing = true;
+                    if (FindNeighbours(matrix + q * n, n, eps, neighbours.data()) >= minPts)
+                        reach();
+                }
         }
         ++cluster;
     }

@@ -7,6 +7,7 @@
 #include <Eigen/LU>
 #include <Eigen/SVD>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -69,6 +70,9 @@ void ZVKPLSBuilder::CalcNextFeature()
     u = residual;
     w.resize(n);
     MatrixTimesVector(w.data(), kernel, n, n, u.data());
+    const double residualNorm = std::sqrt(SquaredNorm(u));
+    largestResidual = std::max(largestResidual, residualNorm);
+    largestGain = std::max(largestGain, std::sqrt(SquaredNorm(w)) / residualNorm);
     weightNorm = Dot(u.data(), w.data(), n);
     const double scale = 1.0 / std::sqrt(weightNorm);
     Scale(u.data(), scale, n);
@@ -108,7 +112,13 @@ bool ZVKPLSBuilder::LastFeatureCarries() const
     if (!PositiveAndFinite(weightNorm) || !PositiveAndFinite(scoreNorm))
         return false;
     const double expected = std::sqrt(weightNorm);
-    return std::fabs(features.back().yLoading * scoreNorm - expected) <= 0.01 * expected;
+    const double fromResponse = features.back().yLoading * scoreNorm;
+    // The score before scaling, P K P^T y, is computed from P^T y and K P^T y, both of which carry
+    // the rounding of the largest values so far.
+    const double rounding = 10.0 * static_cast<double>(n) * std::numeric_limits<double>::epsilon() *
+                            largestGain * largestResidual;
+    return std::fabs(fromResponse - expected) <= 0.01 * expected &&
+           expected * std::sqrt(scoreNorm) > rounding;
 }
 
 bool ZVKPLSBuilder::CanBuild() const
@@ -128,11 +138,11 @@ bool ZVKPLSBuilder::CanInvert(const Eigen::MatrixXd& matrix) const
 
     // The smallest singular value is at least 1 / ||M^-1||_F. An inverse computed with rounding
     // can be trusted to say so while the condition is far from 1 / epsilon; and a sum of squares
-    // that overflows leaves the question to the decomposition.
+    // that overflows, as for an inverse above 1e154, leaves the question to the decomposition.
     constexpr double trustedCondition = 1e10;
     constexpr double smallestNormal = std::numeric_limits<double>::min();
-    const double inverseNorm = Eigen::MatrixXd(matrix.partialPivLu().inverse()).norm();
-    if (matrix.norm() * inverseNorm < trustedCondition && inverseNorm < 0.5 / smallestNormal)
+    const Eigen::MatrixXd inverse = matrix.partialPivLu().inverse();
+    if (matrix.norm() * inverse.norm() < trustedCondition)
         return true;
 
     const Eigen::JacobiSVD<Eigen::MatrixXd> decomposition(matrix);

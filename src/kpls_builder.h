@@ -40,9 +40,13 @@ public:
     /// Extracts the feature with index `numFeatures`, without counting it, and deflates P.
     void CalcNextFeature();
 
-    /// Whether the feature extracted last carries more than rounding: s = (P^T y).K(P^T y) and t.t
-    /// are positive and finite, and c * t.t, which equals sqrt(s) in exact arithmetic, is within
-    /// one per cent of it.
+    /// Whether the feature extracted last carries more than rounding. With r = P^T y, s = r.Kr, and
+    /// g the largest |K r| / |r| so far:
+    ///     s and t.t are positive and finite;
+    ///     |c * t.t - sqrt(s)| <= 0.01 * sqrt(s), which are equal in exact arithmetic;
+    ///     sqrt(s * t.t), the length of P K r, is > 10 * n * 2^-52 * g * (the largest |r| so far).
+    /// The second sees that P is no longer the projection it should be, the third that the
+    /// features before it have used up what K can say: then noise is as consistent as signal.
     bool LastFeatureCarries() const;
 
     /// Whether M of the first `numFeatures` features can be inverted; false without features.
@@ -85,6 +89,8 @@ private:
     std::vector<double> residual;  // P^T y
     double weightNorm = 0.0;       // s of the feature extracted last
     double scoreNorm = 0.0;        // t.t of the feature extracted last
+    double largestResidual = 0.0;  // of |P^T y|, over all features
+    double largestGain = 0.0;      // of |K P^T y| / |P^T y|, over all features
 };
 
 }  // namespace ZVMath

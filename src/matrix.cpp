@@ -29,8 +29,15 @@ size_t Count(unsigned int rows, unsigned int columns)
 ZVMatrix::ZVMatrix() = default;
 
 ZVMatrix::ZVMatrix(unsigned int newRows, unsigned int newColumns, double value)
+    : rows(TooLarge(newRows, newColumns) ? 0 : newRows),
+      columns(TooLarge(newRows, newColumns) ? 0 : newColumns), data(Count(rows, columns), value)
 {
-    ZVMatrix::Resize(newRows, newColumns, value);
+}
+
+ZVMatrix::ZVMatrix(unsigned int newRows, unsigned int newColumns,
+                   std::vector<double>&& elements) noexcept
+    : rows(newRows), columns(newColumns), data(std::move(elements))
+{
 }
 
 ZVMatrix::ZVMatrix(const ZVMatrix& other) = default;
@@ -60,8 +67,6 @@ ZVMatrix& ZVMatrix::operator=(ZVMatrix&& other) noexcept
     }
     return *this;
 }
-
-ZVMatrix::~ZVMatrix() = default;
 
 void ZVMatrix::Resize(unsigned int newRows, unsigned int newColumns, double value)
 {
@@ -110,6 +115,12 @@ ZVMatrix ZVMatrix::operator*(double scalar) const
 
 ZVMatrix ZVMatrix::operator*(const ZVMatrix& right) const
 {
+    if (rows == 4 && columns == 4 && right.rows == 4 && right.columns == 4) {
+        // Small enough for allocating and clearing the result to count.
+        double product[16];
+        Multiply4x4(product, data.data(), right.data.data());
+        return ZVMatrix(4, 4, std::vector<double>(std::begin(product), std::end(product)));
+    }
     ZVMatrix result(rows, right.columns);
     if (!result.data.empty())
         AddProduct(result.data.data(), data.data(), columns, right.data.data(), rows,
@@ -200,25 +211,10 @@ double ZVSquareMatrix::Determinant() const
 
 ZVSquareMatrix ZVSquareMatrix::Invert() const
 {
-    const size_t n = GetNumRows();
     ZVSquareMatrix result;
     static_cast<ZVMatrix&>(result) = ZVMatrix(GetNumRows(), GetNumColumns());
-    const double determinant = Determinant();
-    if (determinant == 0.0)
-        return result;
-    const double reciprocal = 1.0 / determinant;
-    double* inverse = result.Elements();
-    if (n == 1) {
-        inverse[0] = reciprocal;
-        return result;
-    }
-    std::vector<double> minors(n * n);
-    LaplaceMinors(minors.data(), GetData().data(), n);
-    for (size_t i = 0; i < n; ++i)
-        for (size_t j = 0; j < n; ++j) {
-            const double minor = minors[i * n + j];
-            inverse[j * n + i] = ((i + j) % 2 == 0 ? minor : -minor) * reciprocal;
-        }
+    if (GetNumRows() == GetNumColumns())
+        LaplaceInverse(result.Elements(), GetData().data(), GetNumRows());
     return result;
 }
 

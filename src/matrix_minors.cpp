@@ -70,10 +70,15 @@ double Determinant3(const double* a)
                    Determinant2(a[3], a[4], a[6], a[7]));
 }
 
+/// The expansion along a row of four elements, given the determinants of the four minors.
+double Expand4(const double* row, const double* minors)
+{
+    return 0.0 + minors[0] * row[0] - minors[1] * row[1] + minors[2] * row[2] - minors[3] * row[3];
+}
+
 double Determinant4(const double* a)
 {
-    const std::array<double, 4> minors = Triples(a + 4, Pairs(a + 8, a + 12));
-    return 0.0 + minors[0] * a[0] - minors[1] * a[1] + minors[2] * a[2] - minors[3] * a[3];
+    return Expand4(a, Triples(a + 4, Pairs(a + 8, a + 12)).data());
 }
 
 void Minors2(double* minors, const double* a)
@@ -183,6 +188,21 @@ private:
     std::vector<double> next;
 };
 
+/// The transposed matrix of the minors, with alternating signs, times 1 / determinant. False when
+/// that is 0.0.
+bool DivideAdjugate(double* inverse, const double* minors, size_t n, double determinant)
+{
+    if (determinant == 0.0)
+        return false;
+    const double reciprocal = 1.0 / determinant;
+    for (size_t i = 0; i < n; ++i)
+        for (size_t j = 0; j < n; ++j) {
+            const double minor = minors[i * n + j];
+            inverse[j * n + i] = ((i + j) % 2 == 0 ? minor : -minor) * reciprocal;
+        }
+    return true;
+}
+
 /// The matrix without row i and column j.
 std::vector<double> Without(const double* matrix, size_t n, size_t i, size_t j)
 {
@@ -256,6 +276,23 @@ void LaplaceMinors(double* minors, const double* matrix, size_t n, size_t tableC
             minors[i * n + j] = table.Without(j);
         below.AddRowOnTop(matrix + i * n);
     }
+}
+
+bool LaplaceInverse(double* inverse, const double* matrix, size_t n)
+{
+    if (n == 4) {
+        double minors[16];
+        Minors4(minors, matrix);
+        return DivideAdjugate(inverse, minors, 4, Expand4(matrix, minors));
+    }
+    const double determinant = LaplaceDeterminant(matrix, n);
+    if (determinant == 0.0)
+        return false;
+    // A minor of 1 x 1 is an empty matrix, whose determinant counts as 1 here and nowhere else.
+    std::vector<double> minors(n * n, 1.0);
+    if (n > 1)
+        LaplaceMinors(minors.data(), matrix, n);
+    return DivideAdjugate(inverse, minors.data(), n, determinant);
 }
 
 }  // namespace ZVMath

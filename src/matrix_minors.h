@@ -18,4 +18,8 @@ double LaplaceDeterminant(const double* matrix, size_t n, size_t tableColumns = 
 void LaplaceMinors(double* minors, const double* matrix, size_t n,
                    size_t tableColumns = maxTableColumns);
 
+/// The inverse of the row-major n x n `matrix` as `ZVSquareMatrix::Invert` states it. False, with
+/// `inverse` untouched, when the determinant is 0.0.
+bool LaplaceInverse(double* inverse, const double* matrix, size_t n);
+
 }  // namespace ZVMath

@@ -3,7 +3,6 @@
 #include "multiversion.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace ZVMath
 {
@@ -16,10 +15,15 @@ namespace
 constexpr size_t tileRows = 6;
 constexpr size_t tileColumns = 8;
 
-// b is packed tile column by tile column, in blocks that the second-level cache holds (half a MiB)
-// and whose panel of one tile column (16 KiB) stays in the first.
-constexpr size_t blockInner = 256;
-constexpr size_t blockColumns = 256;
+// b is packed tile column by tile column, in blocks of 64 KiB: a panel of one tile column (8 KiB)
+// and six rows of a stay in the first-level cache, the block in the second. The block is on the
+// stack: from the heap it would be fresh pages each time, which cost as much as a product of 100 x
+// 100.
+constexpr size_t blockInner = 128;
+constexpr size_t blockColumns = 64;
+
+// A row of a packed panel fills a cache line; across two it takes twice the time to read.
+constexpr size_t cacheLine = 64;
 
 // Up to this many products the plain loops are faster than packing.
 constexpr size_t fewProducts = 8 * 8 * 8;
@@ -104,15 +108,14 @@ void AddProduct(double* c, const double* a, size_t aStride, const double* b, siz
         return;
     }
 
-    const auto roundUp = [](size_t n, size_t unit) { return (n + unit - 1) / unit * unit; };
-    std::vector<double> packed(std::min(inner, blockInner) *
-                               std::min(roundUp(columns, tileColumns), blockColumns));
-    for (size_t j0 = 0; j0 < columns; j0 += blockColumns) {
-        const size_t width = std::min(blockColumns, columns - j0);
-        // Blocks of k in ascending order: each picks up the sums that the one before has stored.
-        for (size_t k0 = 0; k0 < inner; k0 += blockInner) {
-            const size_t depth = std::min(blockInner, inner - k0);
-            Pack(packed.data(), b + k0 * columns + j0, columns, depth, width);
+    alignas(cacheLine) double packed[blockInner * blockColumns];
+    // Blocks of k in ascending order: each picks up the sums that the one before has stored. Within
+    // one, the second-level cache keeps its columns of a.
+    for (size_t k0 = 0; k0 < inner; k0 += blockInner) {
+        const size_t depth = std::min(blockInner, inner - k0);
+        for (size_t j0 = 0; j0 < columns; j0 += blockColumns) {
+            const size_t width = std::min(blockColumns, columns - j0);
+            Pack(packed, b + k0 * columns + j0, columns, depth, width);
             for (size_t i = 0; i < rows; i += tileRows) {
                 const size_t tileHeight = std::min(tileRows, rows - i);
                 // Rows of the tile past the last row of a repeat that one; they are not stored.
@@ -122,7 +125,7 @@ void AddProduct(double* c, const double* a, size_t aStride, const double* b, siz
                 for (size_t j = 0; j < width; j += tileColumns) {
                     const size_t tileWidth = std::min(tileColumns, width - j);
                     double* cTile = c + i * columns + j0 + j;
-                    const double* panel = packed.data() + j * depth;
+                    const double* panel = packed + j * depth;
                     if (tileHeight == tileRows && tileWidth == tileColumns)
                         AddTile(cTile, columns, aRows, panel, depth);
                     else
@@ -130,6 +133,16 @@ void AddProduct(double* c, const double* a, size_t aStride, const double* b, siz
                 }
             }
         }
+    }
+}
+
+ZVMATH_CLONES void Multiply4x4(double* c, const double* a, const double* b)
+{
+    for (size_t i = 0; i < 4; ++i) {
+        Vec4 sum = {};
+        for (size_t k = 0; k < 4; ++k)
+            sum += a[4 * i + k] * AsVec4(b + 4 * k);
+        AsVec4(c + 4 * i) = sum;
     }
 }
 

@@ -11,4 +11,7 @@ namespace ZVMath
 void AddProduct(double* c, const double* a, size_t aStride, const double* b, size_t rows,
                 size_t inner, size_t columns);
 
+/// c = a * b for row-major 4 x 4 matrices, with the bits of `AddProduct` on a c of zeros.
+void Multiply4x4(double* c, const double* a, const double* b);
+
 }  // namespace ZVMath

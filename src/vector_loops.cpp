@@ -8,41 +8,39 @@ namespace ZVMath
 namespace
 {
 
-ZVMATH_INLINE double InlineDot(const double* a, const double* b, size_t n)
+constexpr size_t lanes = 8;
+
+/// dots[r] = Dot(rows[r], x, n), the rows side by side.
+template <size_t count>
+ZVMATH_INLINE void InlineDots(double* dots, const double* const* rows, const double* x, size_t n)
 {
-    constexpr size_t lanes = 16;
-    Vec4 sum0 = {}, sum1 = {}, sum2 = {}, sum3 = {};
+    Vec4 low[count] = {};
+    Vec4 high[count] = {};
     size_t i = 0;
-    for (; i + lanes <= n; i += lanes) {
-        sum0 += AsVec4(a + i) * AsVec4(b + i);
-        sum1 += AsVec4(a + i + 4) * AsVec4(b + i + 4);
-        sum2 += AsVec4(a + i + 8) * AsVec4(b + i + 8);
-        sum3 += AsVec4(a + i + 12) * AsVec4(b + i + 12);
-    }
-    if (i < n) {
+    for (; i + lanes <= n; i += lanes)
+        for (size_t r = 0; r < count; ++r) {
+            low[r] += AsVec4(rows[r] + i) * AsVec4(x + i);
+            high[r] += AsVec4(rows[r] + i + 4) * AsVec4(x + i + 4);
+        }
+    for (size_t r = 0; r < count; ++r) {
         double sum[lanes];
-        AsVec4(sum) = sum0;
-        AsVec4(sum + 4) = sum1;
-        AsVec4(sum + 8) = sum2;
-        AsVec4(sum + 12) = sum3;
+        AsVec4(sum) = low[r];
+        AsVec4(sum + 4) = high[r];
         for (size_t lane = 0; i + lane < n; ++lane)
-            sum[lane] += a[i + lane] * b[i + lane];
-        sum0 = AsVec4(sum);
-        sum1 = AsVec4(sum + 4);
-        sum2 = AsVec4(sum + 8);
-        sum3 = AsVec4(sum + 12);
+            sum[lane] += rows[r][i + lane] * x[i + lane];
+        for (size_t j = 0; j < 4; ++j)
+            sum[j] += sum[j + 4];
+        dots[r] = (sum[0] + sum[2]) + (sum[1] + sum[3]);
     }
-    sum0 += sum2;
-    sum1 += sum3;
-    sum0 += sum1;
-    return (sum0[0] + sum0[2]) + (sum0[1] + sum0[3]);
 }
 
 }  // namespace
 
 ZVMATH_CLONES double Dot(const double* a, const double* b, size_t n)
 {
-    return InlineDot(a, b, n);
+    double dot;
+    InlineDots<1>(&dot, &a, b, n);
+    return dot;
 }
 
 ZVMATH_CLONES void AddScaled(double* y, double factor, const double* x, size_t n)
@@ -60,8 +58,22 @@ ZVMATH_CLONES void Scale(double* x, double factor, size_t n)
 ZVMATH_CLONES void MatrixTimesVector(double* out, const double* matrix, size_t rows, size_t columns,
                                      const double* x)
 {
-    for (size_t r = 0; r < rows; ++r)
-        out[r] = InlineDot(matrix + r * columns, x, columns);
+    // A row from each quarter at a time: memory delivers four streams faster than one.
+    constexpr size_t streams = 4;
+    const size_t part = rows / streams;
+    for (size_t r = 0; r < part; ++r) {
+        const double* row[streams];
+        double dots[streams];
+        for (size_t k = 0; k < streams; ++k)
+            row[k] = matrix + (k * part + r) * columns;
+        InlineDots<streams>(dots, row, x, columns);
+        for (size_t k = 0; k < streams; ++k)
+            out[k * part + r] = dots[k];
+    }
+    for (size_t r = streams * part; r < rows; ++r) {
+        const double* row = matrix + r * columns;
+        InlineDots<1>(out + r, &row, x, columns);
+    }
 }
 
 }  // namespace ZVMath

@@ -5,8 +5,8 @@
 namespace ZVMath
 {
 
-/// sum of a[i] * b[i]. Sixteen partial sums, element i into sum i % 16, each from 0.0 in ascending
-/// order; at the end sum j takes j + 8, then j + 4, then j + 2, then j + 1.
+/// sum of a[i] * b[i]. Eight partial sums, element i into sum i % 8, each from 0.0 in ascending
+/// order; at the end sum j takes j + 4, then j + 2, then j + 1.
 double Dot(const double* a, const double* b, size_t n);
 
 /// y[i] += factor * x[i]

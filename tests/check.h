@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
@@ -36,7 +35,7 @@ inline std::string Show(double value)
 /// Equal to the bit; zeros of different sign differ, any NaN equals any NaN.
 inline testing::AssertionResult SameBits(double actual, double expected)
 {
-    if (std::memcmp(&actual, &expected, sizeof actual) == 0 ||
+    if ((actual == expected && std::signbit(actual) == std::signbit(expected)) ||
         (std::isnan(actual) && std::isnan(expected)))
         return testing::AssertionSuccess();
     return testing::AssertionFailure() << Show(actual) << " instead of " << Show(expected);

@@ -29,10 +29,13 @@ public:
     /// `response`: n values; more are ignored.
     ///
     /// Extraction stops before the first feature that can't be used: one that makes the small
-    /// system of the features singular, or one that carries nothing. In exact arithmetic the score
-    /// t of a feature with u = P^T y and s = u.Ku has y.t = sqrt(s); a feature carries nothing when
-    /// s or t.t is not positive and finite, or |y.t - sqrt(s)| > 0.01 * sqrt(s), that is, when
-    /// rounding has taken over. So `maxFeatures` = 0 is safe, whatever the kernel.
+    /// system of the features singular, or one that carries nothing. With P the deflation so far,
+    /// r = P^T y and s = r.Kr, the score t of a feature has y.t = sqrt(s) in exact arithmetic. It
+    /// carries nothing when s or t.t is not positive and finite, when |y.t - sqrt(s)| > 0.01 *
+    /// sqrt(s), or when the length of P K r is <= 10 * n * 2^-52 times the largest |K r| / |r|
+    /// times the largest |r| so far: that is what rounding alone leaves once the features have used
+    /// up the rank of K. So `maxFeatures` = 0 is safe in practice. It is not a choice of model: the
+    /// number of features that predicts best is found on objects that were not fitted.
     ///
     /// False, with the warning "Kernel PLS failed due to singular matrix!" through
     /// `ZVSystem::ZVThrow` and the model left as it was: when not even one feature can be used, and

@@ -28,7 +28,7 @@ public:
     ZVMatrix(ZVMatrix&& other) noexcept;
     ZVMatrix& operator=(const ZVMatrix& other);
     ZVMatrix& operator=(ZVMatrix&& other) noexcept;
-    virtual ~ZVMatrix();
+    virtual ~ZVMatrix() = default;
 
     /// Makes it rows x columns. Elements keep their place in the row-by-row sequence, not their
     /// row and column; elements added at its end are `value`, surplus ones at its end are dropped.
@@ -73,6 +73,9 @@ protected:
     double* Elements() { return data.data(); }
 
 private:
+    /// With these elements, as many as the dimensions say.
+    ZVMatrix(unsigned int rows, unsigned int columns, std::vector<double>&& elements) noexcept;
+
     unsigned int rows = 0;
     unsigned int columns = 0;
     std::vector<double> data;

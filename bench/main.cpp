@@ -120,9 +120,10 @@ private:
             row.push_back(median == medians.end() ? "" : ReadableTime(median->second));
             if (median == medians.end() || ours == medians.end() || median == ours)
                 continue;
-            char ratio[32];
-            std::snprintf(ratio, sizeof ratio, "%.2f ", median->second / ours->second);
-            ratios += (ratios.empty() ? "" : ", ") + (ratio + column);
+            const double ratio = median->second / ours->second;
+            char text[32];
+            std::snprintf(text, sizeof text, "%.*f ", ratio < 0.01 ? 5 : 2, ratio);
+            ratios += (ratios.empty() ? "" : ", ") + (text + column);
         }
         row.push_back(ratios);
         return row;

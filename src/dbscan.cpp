@@ -43,7 +43,7 @@ ZVMATH_CLONES size_t FindNeighbours(const double* row, size_t n, double eps, uin
         Words4 word = {};
         for (size_t k = 0; k < wordBits; k += 4) {
             const auto& bits = *reinterpret_cast<const Words4*>(bitOfLane.bits + k);
-            word |= (AsVec4(row + q + k) <= eps) & bits;
+            word |= (Four(row + q + k).v <= eps) & bits;
         }
         const int64_t all = (word[0] | word[1]) | (word[2] | word[3]);
         *neighbours++ = static_cast<uint64_t>(all);

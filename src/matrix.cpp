@@ -34,12 +34,6 @@ ZVMatrix::ZVMatrix(unsigned int newRows, unsigned int newColumns, double value)
 {
 }
 
-ZVMatrix::ZVMatrix(unsigned int newRows, unsigned int newColumns,
-                   std::vector<double>&& elements) noexcept
-    : rows(newRows), columns(newColumns), data(std::move(elements))
-{
-}
-
 ZVMatrix::ZVMatrix(const ZVMatrix& other) = default;
 
 ZVMatrix::ZVMatrix(ZVMatrix&& other) noexcept
@@ -119,7 +113,11 @@ ZVMatrix ZVMatrix::operator*(const ZVMatrix& right) const
         // Small enough for allocating and clearing the result to count.
         double product[16];
         Multiply4x4(product, data.data(), right.data.data());
-        return ZVMatrix(4, 4, std::vector<double>(std::begin(product), std::end(product)));
+        ZVMatrix result;
+        result.data.assign(std::begin(product), std::end(product));
+        result.rows = 4;
+        result.columns = 4;
+        return result;
     }
     ZVMatrix result(rows, right.columns);
     if (!result.data.empty())

@@ -47,12 +47,12 @@ ZVMATH_CLONES void AddTile(double* c, size_t cStride, const double* const* aRows
     Vec4 left[tileRows];
     Vec4 right[tileRows];
     for (size_t r = 0; r < tileRows; ++r) {
-        left[r] = AsVec4(c + r * cStride);
-        right[r] = AsVec4(c + r * cStride + 4);
+        left[r] = Four(c + r * cStride).v;
+        right[r] = Four(c + r * cStride + 4).v;
     }
     for (size_t k = 0; k < inner; ++k) {
-        const Vec4 bLeft = AsVec4(panel + k * tileColumns);
-        const Vec4 bRight = AsVec4(panel + k * tileColumns + 4);
+        const Vec4 bLeft = Four(panel + k * tileColumns).v;
+        const Vec4 bRight = Four(panel + k * tileColumns + 4).v;
         for (size_t r = 0; r < tileRows; ++r) {
             const double factor = aRows[r][k];
             left[r] += factor * bLeft;
@@ -60,8 +60,8 @@ ZVMATH_CLONES void AddTile(double* c, size_t cStride, const double* const* aRows
         }
     }
     for (size_t r = 0; r < tileRows; ++r) {
-        AsVec4(c + r * cStride) = left[r];
-        AsVec4(c + r * cStride + 4) = right[r];
+        Four(c + r * cStride).v = left[r];
+        Four(c + r * cStride + 4).v = right[r];
     }
 }
 
@@ -85,13 +85,23 @@ void Pack(double* packed, const double* b, size_t bStride, size_t inner, size_t 
         for (size_t k = 0; k < inner; ++k, packed += tileColumns) {
             const double* from = b + k * bStride + j;
             if (width == tileColumns) {
-                AsVec4(packed) = AsVec4(from);
-                AsVec4(packed + 4) = AsVec4(from + 4);
+                Four(packed).v = Four(from).v;
+                Four(packed + 4).v = Four(from + 4).v;
             } else {
                 std::copy_n(from, width, packed);
                 std::fill(packed + width, packed + tileColumns, 0.0);
             }
         }
+    }
+}
+
+ZVMATH_CLONES void MultiplyFours(double* c, const double* a, const double* b)
+{
+    for (size_t i = 0; i < 4; ++i) {
+        Vec4 sum = {};
+        for (size_t k = 0; k < 4; ++k)
+            sum += a[4 * i + k] * Four(b + 4 * k).v;
+        Four(c + 4 * i).v = sum;
     }
 }
 
@@ -136,14 +146,9 @@ void AddProduct(double* c, const double* a, size_t aStride, const double* b, siz
     }
 }
 
-ZVMATH_CLONES void Multiply4x4(double* c, const double* a, const double* b)
+void Multiply4x4(double* c, const double* a, const double* b)
 {
-    for (size_t i = 0; i < 4; ++i) {
-        Vec4 sum = {};
-        for (size_t k = 0; k < 4; ++k)
-            sum += a[4 * i + k] * AsVec4(b + 4 * k);
-        AsVec4(c + 4 * i) = sum;
-    }
+    MultiplyFours(c, a, b);
 }
 
 }  // namespace ZVMath

@@ -19,13 +19,13 @@ ZVMATH_INLINE void InlineDots(double* dots, const double* const* rows, const dou
     size_t i = 0;
     for (; i + lanes <= n; i += lanes)
         for (size_t r = 0; r < count; ++r) {
-            low[r] += AsVec4(rows[r] + i) * AsVec4(x + i);
-            high[r] += AsVec4(rows[r] + i + 4) * AsVec4(x + i + 4);
+            low[r] += Four(rows[r] + i).v * Four(x + i).v;
+            high[r] += Four(rows[r] + i + 4).v * Four(x + i + 4).v;
         }
     for (size_t r = 0; r < count; ++r) {
         double sum[lanes];
-        AsVec4(sum) = low[r];
-        AsVec4(sum + 4) = high[r];
+        Four(sum).v = low[r];
+        Four(sum + 4).v = high[r];
         for (size_t lane = 0; i + lane < n; ++lane)
             sum[lane] += rows[r][i + lane] * x[i + lane];
         for (size_t j = 0; j < 4; ++j)
@@ -34,29 +34,27 @@ ZVMATH_INLINE void InlineDots(double* dots, const double* const* rows, const dou
     }
 }
 
-}  // namespace
-
-ZVMATH_CLONES double Dot(const double* a, const double* b, size_t n)
+ZVMATH_CLONES double DotHere(const double* a, const double* b, size_t n)
 {
     double dot;
     InlineDots<1>(&dot, &a, b, n);
     return dot;
 }
 
-ZVMATH_CLONES void AddScaled(double* y, double factor, const double* x, size_t n)
+ZVMATH_CLONES void AddScaledHere(double* y, double factor, const double* x, size_t n)
 {
     for (size_t i = 0; i < n; ++i)
         y[i] += factor * x[i];
 }
 
-ZVMATH_CLONES void Scale(double* x, double factor, size_t n)
+ZVMATH_CLONES void ScaleHere(double* x, double factor, size_t n)
 {
     for (size_t i = 0; i < n; ++i)
         x[i] *= factor;
 }
 
-ZVMATH_CLONES void MatrixTimesVector(double* out, const double* matrix, size_t rows, size_t columns,
-                                     const double* x)
+ZVMATH_CLONES void MatrixTimesVectorHere(double* out, const double* matrix, size_t rows,
+                                         size_t columns, const double* x)
 {
     // A row from each quarter at a time: memory delivers four streams faster than one.
     constexpr size_t streams = 4;
@@ -74,6 +72,29 @@ ZVMATH_CLONES void MatrixTimesVector(double* out, const double* matrix, size_t r
         const double* row = matrix + r * columns;
         InlineDots<1>(out + r, &row, x, columns);
     }
+}
+
+}  // namespace
+
+double Dot(const double* a, const double* b, size_t n)
+{
+    return DotHere(a, b, n);
+}
+
+void AddScaled(double* y, double factor, const double* x, size_t n)
+{
+    AddScaledHere(y, factor, x, n);
+}
+
+void Scale(double* x, double factor, size_t n)
+{
+    ScaleHere(x, factor, n);
+}
+
+void MatrixTimesVector(double* out, const double* matrix, size_t rows, size_t columns,
+                       const double* x)
+{
+    MatrixTimesVectorHere(out, matrix, rows, columns, x);
 }
 
 }  // namespace ZVMath

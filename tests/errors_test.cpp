@@ -38,9 +38,9 @@ TEST(ErrorHandler, SinksNest)
 
 TEST(ErrorHandler, MessagesOfAnyLength)
 {
-    for (const size_t length : {0, 1, 510, 511, 512, 513, 100000}) {
+    for (const int length : {0, 1, 510, 511, 512, 513, 100000}) {
         const Warnings warnings;
-        const std::string message(length, 'x');
+        const std::string message(static_cast<size_t>(length), 'x');
         ZVThrow.Warning("%s", message.c_str());
         EXPECT_EQ(warnings.messages, std::vector<std::string>{message});
     }

@@ -204,7 +204,7 @@ TEST(Matrix, CopiesAndMovesKeepDimensionsAndElementsTogether)
     EXPECT_TRUE(Is(taken, 0, 0, {}));
     ZVMatrix& same = other;
     other = std::move(same);
-    other = same;
+    same = other;
     EXPECT_TRUE(Is(other, 2, 3, std::vector<double>(6, 5.0)));
 }
 
@@ -251,10 +251,11 @@ TEST(Matrix, SumsAndScalars)
     EXPECT_TRUE(Is(m - m, 2, 2, {0, 0, 0, 0}));
     EXPECT_TRUE(Is(m + ZVMatrix(1, 1, 10.0), 2, 2, {11, 2, 3, 4}));
     EXPECT_TRUE(Is(ZVMatrix(1, 1, 10.0) - m, 1, 1, {9}));
-    m += m;
+    const ZVMatrix& itself = m;
+    m += itself;
     m *= -1.0;
     EXPECT_TRUE(Is(m, 2, 2, {-2, -4, -6, -8}));
-    m -= m;
+    m -= itself;
     EXPECT_TRUE(Is(m, 2, 2, {0, 0, 0, 0}));
     EXPECT_TRUE(
         Is(MakeMatrix(2, 3, [](unsigned int r, unsigned int c) { return 3 * r + c; }).Transpose(),
@@ -305,7 +306,7 @@ TEST(SquareMatrix, DeterminantAndInverseHaveTheBitsOfThePlainExpansion)
 
 TEST(SquareMatrix, RowsAboveTheTablesAreExpandedOneByOne)
 {
-    for (const size_t tableColumns : {2, 4, 5}) {
+    for (const size_t tableColumns : {size_t{2}, size_t{4}, size_t{5}}) {
         std::mt19937 random(3);
         const auto m = MakeSquare(7, [&](unsigned int, unsigned int) { return Uniform(random); });
         EXPECT_TRUE(

@@ -13,7 +13,7 @@ double NaiveDot(const double* a, const double* b, size_t n)
     double sum[8] = {};
     for (size_t i = 0; i < n; ++i)
         sum[i % 8] += a[i] * b[i];
-    for (const size_t step : {4, 2, 1})
+    for (size_t step = 4; step > 0; step /= 2)
         for (size_t j = 0; j < step; ++j)
             sum[j] += sum[j + step];
     return sum[0];

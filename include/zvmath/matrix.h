@@ -73,9 +73,6 @@ protected:
     double* Elements() { return data.data(); }
 
 private:
-    /// With these elements, as many as the dimensions say.
-    ZVMatrix(unsigned int rows, unsigned int columns, std::vector<double>&& elements) noexcept;
-
     unsigned int rows = 0;
     unsigned int columns = 0;
     std::vector<double> data;

@@ -100,9 +100,9 @@ void Run(const std::string& data, const std::string& output)
     Centre(trainingKernel, trainingMeans);
     Centre(testKernel, trainingMeans);
     const double meanResponse = Mean(trainingMeasured);
-    std::vector<double> response;
-    for (const double measured : trainingMeasured)
-        response.push_back(measured - meanResponse);
+    std::vector<double> response = trainingMeasured;
+    for (double& value : response)
+        value -= meanResponse;
 
     ZVSquareMatrix kernel(static_cast<unsigned int>(training.size()));
     for (unsigned int i = 0; i < kernel.GetNumRows(); ++i)

@@ -42,9 +42,10 @@ ZVMatrix::ZVMatrix(ZVMatrix&& other) noexcept
 {
 }
 
+// Not defaulted: only copying the elements can fail, and must come before the dimensions.
+// NOLINTNEXTLINE(modernize-use-equals-default)
 ZVMatrix& ZVMatrix::operator=(const ZVMatrix& other)
 {
-    // The elements first: only they can fail, and then the dimensions still belong to the old ones.
     data = other.data;
     rows = other.rows;
     columns = other.columns;

@@ -151,7 +151,7 @@ TEST(Matrix, DerivedClassesKeepTheirShape)
     four.Resize(2, 2, 0.0);
     four.AddRow();
     EXPECT_TRUE(Is(four, 4, 4, twos));
-    const ZV4x4Matrix moved = std::move(four);
+    const ZV4x4Matrix moved = static_cast<ZV4x4Matrix&&>(four);
     EXPECT_TRUE(Is(four, 4, 4, twos));
     EXPECT_TRUE(Is(moved, 4, 4, twos));
     EXPECT_TRUE(Is(ZV4x4Matrix(), 4, 4, std::vector<double>(16, 0.0)));
@@ -200,7 +200,8 @@ TEST(Matrix, CopiesAndMovesKeepDimensionsAndElementsTogether)
     EXPECT_TRUE(Is(taken, 2, 3, std::vector<double>(6, 5.0)));
     EXPECT_TRUE(Is(square, 0, 0, {}));
     ZVMatrix other(1, 1, 8.0);
-    other = std::move(taken);
+    ZVMatrix& giver = taken;
+    other = std::move(giver);
     EXPECT_TRUE(Is(taken, 0, 0, {}));
     ZVMatrix& same = other;
     other = std::move(same);

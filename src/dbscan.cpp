@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace ZVMath
@@ -33,11 +34,41 @@ constexpr BitOfLane bitOfLane;
 
 typedef int64_t Words4 __attribute__((vector_size(32), may_alias));
 
-/// The set of the objects whose distance in `row` is within eps; returns their number. Without
-/// branches, so that nothing holds up the stream from memory.
-ZVMATH_CLONES size_t FindNeighbours(const double* row, size_t n, double eps, uint64_t* neighbours)
+/// A word of a set that is not empty.
+struct Word
 {
+    size_t index;
+    uint64_t bits;
+};
+
+/// Calls `visit` with each object in the word, ascending.
+template <class Visit> void ForEachObject(Word word, Visit visit)
+{
+    for (; word.bits != 0; word.bits &= word.bits - 1)
+        visit(static_cast<unsigned int>(word.index * wordBits) +
+              static_cast<unsigned int>(__builtin_ctzll(word.bits)));
+}
+
+/// The words of a set, and the number of its objects.
+struct Neighbours
+{
+    const Word* begin;
+    const Word* end;
+    size_t count;
+};
+
+/// The objects whose distance in `row` is within eps, written to `words`, which has room for those
+/// of all objects. Without branches, which would hold up the stream from memory: each word is
+/// stored, and stays when it is not empty.
+ZVMATH_CLONES Neighbours FindNeighbours(const double* row, size_t n, double eps, Word* words)
+{
+    Word* end = words;
     size_t count = 0;
+    const auto add = [&](size_t index, uint64_t bits) {
+        *end = {index, bits};
+        end += bits != 0;
+        count += static_cast<size_t>(__builtin_popcountll(bits));
+    };
     size_t q = 0;
     for (; q + wordBits <= n; q += wordBits) {
         Words4 word = {};
@@ -45,27 +76,53 @@ ZVMATH_CLONES size_t FindNeighbours(const double* row, size_t n, double eps, uin
             const auto& bits = *reinterpret_cast<const Words4*>(bitOfLane.bits + k);
             word |= (Four(row + q + k).v <= eps) & bits;
         }
-        const int64_t all = (word[0] | word[1]) | (word[2] | word[3]);
-        *neighbours++ = static_cast<uint64_t>(all);
-        count += static_cast<size_t>(__builtin_popcountll(static_cast<uint64_t>(all)));
+        add(q / wordBits, static_cast<uint64_t>((word[0] | word[1]) | (word[2] | word[3])));
     }
     if (q < n) {
-        uint64_t word = 0;
+        uint64_t bits = 0;
         for (size_t k = 0; q + k < n; ++k)
-            word |= uint64_t{row[q + k] <= eps} << k;
-        *neighbours = word;
-        count += static_cast<size_t>(__builtin_popcountll(word));
+            bits |= uint64_t{row[q + k] <= eps} << k;
+        add(q / wordBits, bits);
     }
-    return count;
+    return {words, end, count};
 }
 
-/// Calls `visit` with the object of each bit that is set in word number `index`, ascending.
-template <class Visit> void ForEachObject(uint64_t word, size_t index, Visit visit)
+/// Finds neighbourhoods. Rows that follow each other in memory are read half as fast again as rows
+/// out of turn, so the first ones are read in turn and kept: all, unless neighbourhoods are so
+/// large that the kept ones would take more than half a kilobyte an object. Others are found when
+/// needed.
+class Neighbourhoods
 {
-    for (; word != 0; word &= word - 1)
-        visit(static_cast<unsigned int>(index * wordBits) +
-              static_cast<unsigned int>(__builtin_ctzll(word)));
-}
+public:
+    Neighbourhoods(const double* matrix, size_t objects, double radius)
+        : distances(matrix), n(objects), eps(radius)
+    {
+        constexpr size_t keptWordsPerObject = 32;
+        const size_t wordsOfAll = (n + wordBits - 1) / wordBits;
+        // The last kept neighbourhood may pass the limit, and one more goes behind the kept ones.
+        // Not cleared: what is never written is never memory.
+        words.reset(new Word[keptWordsPerObject * n + 2 * wordsOfAll]);
+        room = words.get();
+        kept.reserve(n);
+        while (kept.size() < n && room < words.get() + keptWordsPerObject * n) {
+            kept.push_back(Read(kept.size()));
+            room += kept.back().end - kept.back().begin;
+        }
+    }
+
+    /// The neighbourhood of object p; it stands until the next call.
+    Neighbours Of(size_t p) { return p < kept.size() ? kept[p] : Read(p); }
+
+private:
+    Neighbours Read(size_t p) { return FindNeighbours(distances + p * n, n, eps, room); }
+
+    const double* distances;
+    size_t n;
+    double eps;
+    std::unique_ptr<Word[]> words;
+    Word* room;  // behind the kept words
+    std::vector<Neighbours> kept;
+};
 
 /// sums[r] = the elements of rows[r] at `columns`, added from 0.0 in their order. The sums are
 /// independent: each adds one term after the other, but the rows go side by side.
@@ -116,54 +173,47 @@ void ZVDBSCAN::Fit(double eps, unsigned int minPts)
         labels.assign(n, noise);
         return;
     }
-    const double* const matrix = distances.GetData().data();
+    Neighbourhoods neighbourhoods(distances.GetData().data(), n, eps);
     std::vector<int> newLabels(n, noise);
-    const size_t words = (n + wordBits - 1) / wordBits;
-    std::vector<uint64_t> neighbours(words);
-    std::vector<uint64_t> unseen(words, ~uint64_t{0});  // neither visited nor waiting
-    std::vector<uint64_t> waiting(words);               // reached by the cluster, not yet visited
+    std::vector<uint64_t> unseen((n + wordBits - 1) / wordBits, ~uint64_t{0});  // not even queued
+    std::vector<unsigned int> queue;
+    queue.reserve(n);
 
     int cluster = 0;
+    // An object is labelled when it is queued: nothing asks for its label before its turn comes.
+    const auto enqueue = [&](unsigned int q) {
+        newLabels[q] = cluster;
+        queue.push_back(q);
+    };
+    const auto enqueueUnseen = [&](const Neighbours& neighbours) {
+        for (const Word* word = neighbours.begin; word < neighbours.end; ++word) {
+            ForEachObject({word->index, word->bits & unseen[word->index]}, enqueue);
+            unseen[word->index] &= ~word->bits;
+        }
+    };
     for (unsigned int founder = 0; founder < n; ++founder) {
         const uint64_t bit = uint64_t{1} << founder % wordBits;
         if ((unseen[founder / wordBits] & bit) == 0)
             continue;
         unseen[founder / wordBits] &= ~bit;
-        const size_t count = FindNeighbours(matrix + founder * n, n, eps, neighbours.data());
-        if (count < minPts)
+        const Neighbours around = neighbourhoods.Of(founder);
+        if (around.count < minPts)
             continue;
 
-        newLabels[founder] = cluster;
-        const auto claim = [&](unsigned int q) { newLabels[q] = cluster; };
         // The founder also claims neighbours that are noise so far. They are not core objects, so
         // the cluster does not grow from them.
-        for (size_t w = 0; w < words; ++w)
-            ForEachObject(neighbours[w] & ~unseen[w], w, [&](unsigned int q) {
+        newLabels[founder] = cluster;
+        for (const Word* word = around.begin; word < around.end; ++word)
+            ForEachObject({word->index, word->bits & ~unseen[word->index]}, [&](unsigned int q) {
                 if (newLabels[q] == noise)
-                    claim(q);
+                    newLabels[q] = cluster;
             });
-        const auto reach = [&] {
-            for (size_t w = 0; w < words; ++w) {
-                const uint64_t reached = neighbours[w] & unseen[w];
-                ForEachObject(reached, w, claim);
-                waiting[w] |= reached;
-                unseen[w] &= ~reached;
-            }
-        };
-        reach();
-        // Which waiting object goes first does not matter to what the cluster reaches in the end.
-        // In ascending order rows are read nearly as they lie in memory.
-        for (bool growing = true; growing;) {
-            growing = false;
-            for (size_t w = 0; w < words; ++w)
-                while (waiting[w] != 0) {
-                    const size_t q =
-                        w * wordBits + static_cast<size_t>(__builtin_ctzll(waiting[w]));
-                    waiting[w] &= waiting[w] - 1;
-                    growing = true;
-                    if (FindNeighbours(matrix + q * n, n, eps, neighbours.data()) >= minPts)
-                        reach();
-                }
+        queue.clear();
+        enqueueUnseen(around);
+        for (size_t front = 0; front < queue.size(); ++front) {
+            const Neighbours further = neighbourhoods.Of(queue[front]);
+            if (further.count >= minPts)
+                enqueueUnseen(further);
         }
         ++cluster;
     }

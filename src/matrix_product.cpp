@@ -25,6 +25,11 @@ constexpr size_t blockColumns = 64;
 // A row of a packed panel fills a cache line; across two it takes twice the time to read.
 constexpr size_t cacheLine = 64;
 
+// Rows of a that lie far apart, above all a multiple of 4 KiB, would drive each other out of the
+// first-level cache: so the part of them that a tile needs is copied, a line more than its length
+// apart. Rows no further apart than that are read where they lie.
+constexpr size_t closeStride = blockInner + cacheLine / sizeof(double);
+
 // Up to this many products the plain loops are faster than packing.
 constexpr size_t fewProducts = 8 * 8 * 8;
 
@@ -119,6 +124,7 @@ void AddProduct(double* c, const double* a, size_t aStride, const double* b, siz
     }
 
     alignas(cacheLine) double packed[blockInner * blockColumns];
+    alignas(cacheLine) double aCopy[tileRows * closeStride];
     // Blocks of k in ascending order: each picks up the sums that the one before has stored. Within
     // one, the second-level cache keeps its columns of a.
     for (size_t k0 = 0; k0 < inner; k0 += blockInner) {
@@ -130,8 +136,13 @@ void AddProduct(double* c, const double* a, size_t aStride, const double* b, siz
                 const size_t tileHeight = std::min(tileRows, rows - i);
                 // Rows of the tile past the last row of a repeat that one; they are not stored.
                 const double* aRows[tileRows];
-                for (size_t r = 0; r < tileRows; ++r)
+                for (size_t r = 0; r < tileRows; ++r) {
                     aRows[r] = a + (i + std::min(r, tileHeight - 1)) * aStride + k0;
+                    if (aStride > closeStride) {
+                        std::copy_n(aRows[r], depth, aCopy + r * closeStride);
+                        aRows[r] = aCopy + r * closeStride;
+                    }
+                }
                 for (size_t j = 0; j < width; j += tileColumns) {
                     const size_t tileWidth = std::min(tileColumns, width - j);
                     double* cTile = c + i * columns + j0 + j;

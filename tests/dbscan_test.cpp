@@ -128,6 +128,19 @@ TEST(DBSCAN, EqualsTheLiteralSteps)
     }
 }
 
+TEST(DBSCAN, NeighbourhoodsTooLargeToKeep)
+{
+    // Nearly everything is within eps, and the last rows are read only when they are asked for.
+    const unsigned int n = 2300;
+    std::mt19937 random(2);
+    const auto distances =
+        MakeSquare(n, [&](unsigned int, unsigned int) { return 1.0 + Uniform(random); });
+    for (const unsigned int minPts : {2240u, 2247u, 2300u}) {
+        const ZVDBSCAN fitted(distances, 1.95, minPts);
+        EXPECT_EQ(fitted.GetLabels(), NaiveLabels(distances, 1.95, minPts));
+    }
+}
+
 TEST(DBSCAN, BorderObjects)
 {
     const struct

@@ -4,22 +4,22 @@ include(CheckCXXSourceCompiles)
 
 # Whether one function can be compiled for several processors, with the loader choosing. Sanitizers
 # instrument the choosing function before their own start-up has run, and crash.
-if(NOT ZVMATH_SANITIZE)
-  check_cxx_source_compiles("
-    __attribute__((target_clones(\"avx2\", \"default\"))) int Choose() { return 0; }
-    int main() { return Choose(); }" ZVMATH_HAS_CLONES)
-endif()
+# So sanitizer builds go without, whatever this finds.
+check_cxx_source_compiles("
+  __attribute__((target_clones(\"avx2\", \"default\"))) int Choose() { return 0; }
+  int main() { return Choose(); }" ZVMATH_HAS_CLONES)
 
 # zvmath_settings(<target>): the flags of every target of the project.
 function(zvmath_settings target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   target_compile_options(${target} PRIVATE
-    -ffp-contract=off # a*b + c rounds twice, everywhere
+    -fno-fast-math -ffp-contract=off  # a*b + c rounds twice, whatever the project around us sets
     -Wall -Wextra -Wconversion -Wshadow -Wpedantic -Wno-unknown-attributes
     $<$<BOOL:${ZVMATH_WARNINGS_AS_ERRORS}>:-Werror>)
   if(ZVMATH_SANITIZE)
     target_compile_options(${target} PRIVATE
       -fsanitize=${ZVMATH_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
     target_link_options(${target} PRIVATE -fsanitize=${ZVMATH_SANITIZE})
   endif()
 endfunction()
@@ -37,6 +37,9 @@ function(zvmath_library name target)
     -Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${name}.map -Wl,--no-undefined)
   if(ZVMATH_SANITIZE)
     target_link_options(${name} PRIVATE -fsanitize=${ZVMATH_SANITIZE})
+  endif()
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # there the loader looks anyway
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH $ORIGIN)  # the libraries find each other
   endif()
   set_target_properties(${name} PROPERTIES LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}.map)
 endfunction()

@@ -24,6 +24,14 @@ double SquaredNorm(const std::vector<double>& v)
     return Dot(v.data(), v.data(), v.size());
 }
 
+double LargestElement(const std::vector<double>& v)
+{
+    double largest = 0.0;
+    for (const double element : v)
+        largest = std::max(largest, std::fabs(element));
+    return largest;
+}
+
 bool PositiveAndFinite(double value)
 {
     return value > 0.0 && std::isfinite(value);
@@ -70,9 +78,7 @@ void ZVKPLSBuilder::CalcNextFeature()
     u = residual;
     w.resize(n);
     MatrixTimesVector(w.data(), kernel, n, n, u.data());
-    const double residualNorm = std::sqrt(SquaredNorm(u));
-    largestResidual = std::max(largestResidual, residualNorm);
-    largestGain = std::max(largestGain, std::sqrt(SquaredNorm(w)) / residualNorm);
+    largestImage = std::max(largestImage, LargestElement(w));
     weightNorm = Dot(u.data(), w.data(), n);
     const double scale = 1.0 / std::sqrt(weightNorm);
     Scale(u.data(), scale, n);
@@ -112,13 +118,34 @@ bool ZVKPLSBuilder::LastFeatureCarries() const
     if (!PositiveAndFinite(weightNorm) || !PositiveAndFinite(scoreNorm))
         return false;
     const double expected = std::sqrt(weightNorm);
-    const double fromResponse = features.back().yLoading * scoreNorm;
-    // The score before scaling, P K P^T y, is computed from P^T y and K P^T y, both of which carry
-    // the rounding of the largest values so far.
-    const double rounding = 10.0 * static_cast<double>(n) * std::numeric_limits<double>::epsilon() *
-                            largestGain * largestResidual;
-    return std::fabs(fromResponse - expected) <= 0.01 * expected &&
-           expected * std::sqrt(scoreNorm) > rounding;
+    if (!(std::fabs(features.back().yLoading * scoreNorm - expected) <= 0.01 * expected))
+        return false;
+    // Only a score this small can be rounding, and only then another pass over K is worth while.
+    constexpr double suspicious = 1e-9;
+    return LargestElement(features.back().score) * expected > suspicious * largestImage ||
+           !ScoreIsRounding();
+}
+
+bool ZVKPLSBuilder::ScoreIsRounding() const
+{
+    const Feature& last = features.back();
+    std::vector<double> imageTerms(n, 0.0);  // |K| |u|
+    for (size_t i = 0; i < n; ++i)
+        for (size_t j = 0; j < n; ++j)
+            imageTerms[i] += std::fabs(kernel[i * n + j] * last.weight[j]);
+    std::vector<double> scoreTerms = imageTerms;  // |P| |K| |u|
+    for (size_t f = 0; f + 1 < features.size(); ++f) {
+        double coefficient = 0.0;
+        for (size_t i = 0; i < n; ++i)
+            coefficient += std::fabs(features[f].loading[i]) * imageTerms[i];
+        for (size_t i = 0; i < n; ++i)
+            scoreTerms[i] += std::fabs(features[f].score[i]) * coefficient;
+    }
+    constexpr double rounding = 8.0 * std::numeric_limits<double>::epsilon();
+    for (size_t i = 0; i < n; ++i)
+        if (std::fabs(last.score[i]) > rounding * scoreTerms[i])
+            return false;
+    return true;
 }
 
 bool ZVKPLSBuilder::CanBuild() const

@@ -37,16 +37,16 @@ public:
     /// before it. False when there is none.
     bool Build();
 
-    /// Extracts the feature with index `numFeatures`, without counting it, and deflates P.
+    /// Extracts the feature with index `numFeatures`, without counting it, and deflates P. To be
+    /// counted (++numFeatures) before the next one is extracted.
     void CalcNextFeature();
 
-    /// Whether the feature extracted last carries more than rounding. With r = P^T y, s = r.Kr, and
-    /// g the largest |K r| / |r| so far:
+    /// Whether the feature extracted last carries more than rounding. With r = P^T y and s = r.Kr:
     ///     s and t.t are positive and finite;
     ///     |c * t.t - sqrt(s)| <= 0.01 * sqrt(s), which are equal in exact arithmetic;
-    ///     sqrt(s * t.t), the length of P K r, is > 10 * n * 2^-52 * g * (the largest |r| so far).
-    /// The second sees that P is no longer the projection it should be, the third that the
-    /// features before it have used up what K can say: then noise is as consistent as signal.
+    ///     t is not all rounding, see `ScoreIsRounding`.
+    /// The second sees that P is no longer the projection it should be. It can't see that the
+    /// features before have used up the rank of K: then noise is as consistent as signal.
     bool LastFeatureCarries() const;
 
     /// Whether M of the first `numFeatures` features can be inverted; false without features.
@@ -83,14 +83,17 @@ public:
     Eigen::MatrixXd system;         // M of all `features`
 
 private:
+    /// Whether every element of t = P K u is no larger than rounding may have made it: at most
+    /// 8 * 2^-52 times the same sums with the absolute values of all their terms.
+    bool ScoreIsRounding() const;
+
     const double* kernel = nullptr;
     const double* response = nullptr;
     size_t n = 0;
     std::vector<double> residual;  // P^T y
     double weightNorm = 0.0;       // s of the feature extracted last
     double scoreNorm = 0.0;        // t.t of the feature extracted last
-    double largestResidual = 0.0;  // of |P^T y|, over all features
-    double largestGain = 0.0;      // of |K P^T y| / |P^T y|, over all features
+    double largestImage = 0.0;     // the largest element of K P^T y so far
 };
 
 }  // namespace ZVMath

@@ -210,8 +210,7 @@ double ZVSquareMatrix::Determinant() const
 
 ZVSquareMatrix ZVSquareMatrix::Invert() const
 {
-    ZVSquareMatrix result;
-    static_cast<ZVMatrix&>(result) = ZVMatrix(GetNumRows(), GetNumColumns());
+    ZVSquareMatrix result(GetNumRows());
     if (GetNumRows() == GetNumColumns())
         LaplaceInverse(result.Elements(), GetData().data(), GetNumRows());
     return result;

@@ -160,7 +160,7 @@ private:
             // The next set above s0: the lowest element that has room moves up, and those below it
             // start again.
             size_t i = 1;
-            for (; s[i] + 1 == s[i + 1]; ++i)
+            for (; i < m && s[i] + 1 == s[i + 1]; ++i)
                 s[i] = i;
             if (i == m)
                 return;

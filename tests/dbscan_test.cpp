@@ -1,5 +1,6 @@
 #include "zvmath/dbscan.h"
 
+#include "allocations.h"
 #include "check.h"
 
 #include <algorithm>
@@ -172,6 +173,24 @@ TEST(DBSCAN, FittingAgainStartsAnew)
     EXPECT_TRUE(fitted.GetClusterCenters().empty());
     fitted.Fit(4.0, 2);
     EXPECT_EQ(fitted.GetLabels(), (std::vector<int>{0, 0, 0, 0}));
+}
+
+TEST(DBSCAN, RunningOutOfMemoryKeepsTheLabels)
+{
+    ZVDBSCAN fitted(OnALine({0, 1, 5, 6}), 1.0, 2);
+    const std::vector<int> former = fitted.GetLabels();
+    int failures = 0;
+    for (bool failed = true; failed; ++failures) {
+        EXPECT_EQ(fitted.GetLabels(), former);
+        try {
+            const FailingAllocation failing(failures);
+            fitted.Fit(4.0, 2);
+            failed = false;
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    EXPECT_GT(failures, 3);
+    EXPECT_EQ(fitted.GetLabels(), std::vector<int>(4, 0));
 }
 
 TEST(DBSCAN, MedoidsWithoutAFiniteSum)

@@ -1,5 +1,6 @@
 #include "zvsystem/errors.h"
 
+#include "allocations.h"
 #include "check.h"
 
 #include <gtest/gtest.h>
@@ -44,6 +45,17 @@ TEST(ErrorHandler, MessagesOfAnyLength)
         ZVThrow.Warning("%s", message.c_str());
         EXPECT_EQ(warnings.messages, std::vector<std::string>{message});
     }
+}
+
+TEST(ErrorHandler, CutsALongMessageShortWithoutMemory)
+{
+    const Warnings warnings;
+    const std::string message(1000, 'x');
+    {
+        const FailingAllocation failing(0);
+        ZVThrow.Warning("%s", message.c_str());
+    }
+    EXPECT_EQ(warnings.messages, std::vector<std::string>{message.substr(0, 511)});
 }
 
 TEST(ErrorHandler, ASinkMayWarnAndChangeTheSink)

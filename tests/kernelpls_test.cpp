@@ -370,6 +370,29 @@ double SquaredRest(const ZVKernelPLS& model, const ZVMatrix& kernel,
     return sum;
 }
 
+TEST(KernelPLS, UsesFeaturesThatAreSmallButNotRounding)
+{
+    const struct
+    {
+        std::vector<double> diagonal, response;
+    } cases[] = {
+        {{1, 1e-8}, {1, 1e-7}},      {{1, 2}, {1, 1e-15}}, {{1, 1e-15}, {1, 1}},
+        {{1e-100}, {1e160}},         {{1e100}, {1e-170}},  {{1e220}, {1e-50}},
+        {{1e-3, 1, 1e3}, {1, 1, 1}},
+    };
+    for (const auto& c : cases) {
+        const unsigned int n = static_cast<unsigned int>(c.diagonal.size());
+        ZVKernelPLS model;
+        ASSERT_TRUE(model.Fit(
+            MakeSquare(n, [&](size_t i, size_t j) { return i == j ? c.diagonal[i] : 0.0; }),
+            c.response, 0));
+        for (unsigned int i = 0; i < n; ++i) {
+            const double exact = c.response[i] / c.diagonal[i];
+            EXPECT_TRUE(Near(model.GetBValues()[i], exact, 1e-9 * exact)) << c.diagonal[0];
+        }
+    }
+}
+
 TEST(KernelPLS, EndsAtTheRankOfTheKernel)
 {
     std::mt19937 random(11);

@@ -193,7 +193,7 @@ TEST(Matrix, CopiesAndMovesKeepDimensionsAndElementsTogether)
     base = ZVMatrix(2, 3, 5.0);
     EXPECT_TRUE(Is(square, 2, 3, std::vector<double>(6, 5.0)));
     EXPECT_TRUE(SameBits(square.Determinant(), 0.0));
-    EXPECT_TRUE(Is(square.Invert(), 2, 3, std::vector<double>(6, 0.0)));
+    EXPECT_TRUE(Is(square.Invert(), 2, 2, {0, 0, 0, 0}));
     EXPECT_TRUE(Is(square.Minor(0, 0), 0, 0, {}));
 
     ZVMatrix taken = std::move(base);
@@ -324,7 +324,7 @@ TEST(SquareMatrix, KnownDeterminants)
 {
     // The second difference matrix, 2 on the diagonal and -1 beside it, has n + 1; min(r, c) + 1
     // has 1. Every partial result is a small integer, so the values are exact.
-    for (const unsigned int n : {5u, 12u, 20u}) {
+    for (const unsigned int n : {25u, 20u, 12u, 7u, 5u}) {
         const auto difference = MakeSquare(n, [](unsigned int r, unsigned int c) {
             return r == c ? 2.0 : r == c + 1 || c == r + 1 ? -1.0 : 0.0;
         });

@@ -29,21 +29,22 @@ public:
     /// `response`: n values; more are ignored.
     ///
     /// Extraction stops before the first feature that can't be used: one that makes the small
-    /// system of the features singular, or one that carries nothing. With P the deflation so far,
-    /// r = P^T y and s = r.Kr, the score t of a feature has y.t = sqrt(s) in exact arithmetic. It
-    /// carries nothing when s or t.t is not positive and finite, when |y.t - sqrt(s)| > 0.01 *
-    /// sqrt(s), or when the length of P K r is <= 10 * n * 2^-52 times the largest |K r| / |r|
-    /// times the largest |r| so far: that is what rounding alone leaves once the features have used
-    /// up the rank of K. So `maxFeatures` = 0 is safe in practice. It is not a choice of model: the
-    /// number of features that predicts best is found on objects that were not fitted.
+    /// system of the features singular, or one that carries nothing. With P = I - sum of t_i q_i^T
+    /// the deflation so far, r = P^T y and s = r.Kr, the score t of a feature has y.t = sqrt(s) in
+    /// exact arithmetic. It carries nothing when s or t.t is not positive and finite, when
+    /// |y.t - sqrt(s)| > 0.01 * sqrt(s), or when every element of P K r is rounding: at most
+    /// 8 * 2^-52 times the same sums of absolute values, (I + sum of |t_i| |q_i|^T) |K| |r|. (This
+    /// is asked of scores below 1e-9 of the largest |K r| so far.) So `maxFeatures` = 0 is safe in
+    /// practice. It is not a choice of model: the number of features that predicts best is found
+    /// on objects that were not fitted.
     ///
     /// False, with the warning "Kernel PLS failed due to singular matrix!" through
     /// `ZVSystem::ZVThrow` and the model left as it was: when not even one feature can be used, and
     /// when n = 0, when `response` holds fewer than n values, or when `kernel` is not square.
     /// An allocation that fails leaves the model as it was, too.
     ///
-    /// Cost for k features: k passes over K, and of the order of n * k^2 + k^4 operations besides;
-    /// memory 4 * n * k + k^2 doubles, no copy of K.
+    /// Cost for k features: k passes over K (one more for a score so small), and of the order of
+    /// n * k^2 + k^4 operations besides; memory 4 * n * k + k^2 doubles, no copy of K.
     bool Fit(const ZVSquareMatrix& kernel, const std::vector<double>& response,
              unsigned int maxFeatures);
 

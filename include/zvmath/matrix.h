@@ -119,14 +119,15 @@ public:
     /// The inverse: the adjugate times the reciprocal of the determinant, element (j, i) being
     /// (-1)^(i+j) * det(Minor(i, j)) * (1 / Determinant()), to the bit.
     ///
-    /// The n x n zero matrix when `Determinant()` == 0.0 (so also when not square, in its own
-    /// shape); there is no tolerance, and a nearly singular matrix gives large elements.
+    /// The n x n zero matrix, n being the number of rows, when `Determinant()` == 0.0, so also when
+    /// not square. There is no tolerance: a nearly singular matrix gives large elements.
     /// Cost: of the order of n^2 * 2^n operations up to n = 26; memory as for the determinant.
     ZVSquareMatrix Invert() const;
 };
 
 /// A 4 x 4 matrix. It keeps its size: `Clear`, `AddRow` and both `Resize` do nothing, and moving
-/// from it copies.
+/// from it copies. (Assigning to it or moving from it through a reference to a base class can still
+/// change its size; dimensions and elements agree even then.)
 class ZVMATH_EXPORT ZV4x4Matrix : public ZVSquareMatrix
 {
 public:

@@ -29,7 +29,9 @@ TEST(VectorLoops, HaveTheBitsOfTheirPlainForms)
             x[i] = Uniform(random);
             y[i] = std::ldexp(Uniform(random), static_cast<int>(random() % 40));
         }
-        EXPECT_TRUE(SameBits(Dot(&x[1], &y[1], n), NaiveDot(&x[1], &y[1], n))) << "n = " << n;
+        EXPECT_TRUE(
+            SameBits(Dot(x.data() + 1, y.data() + 1, n), NaiveDot(x.data() + 1, y.data() + 1, n)))
+            << "n = " << n;
 
         std::vector<double> sum = y, scaled = x;
         AddScaled(sum.data(), 0.7, x.data(), n);

@@ -111,11 +111,10 @@ ZVMatrix ZVMatrix::operator*(double scalar) const
 ZVMatrix ZVMatrix::operator*(const ZVMatrix& right) const
 {
     if (rows == 4 && columns == 4 && right.rows == 4 && right.columns == 4) {
-        // Small enough for allocating and clearing the result to count.
-        double product[16];
-        Multiply4x4(product, data.data(), right.data.data());
+        // So small that the general way there costs as much as the product.
         ZVMatrix result;
-        result.data.assign(std::begin(product), std::end(product));
+        result.data = std::vector<double>(16);
+        Multiply4x4(result.data.data(), data.data(), right.data.data());
         result.rows = 4;
         result.columns = 4;
         return result;

@@ -35,8 +35,8 @@ public:
     /// neighbourhood empty. A matrix made non-square through its base class leaves all objects
     /// noise. When memory runs out the labels are those of before the call.
     ///
-    /// Cost: each row of the matrix is read at most once, at the speed of memory; about half a
-    /// kilobyte of memory per object besides, at most.
+    /// Cost: each row of the matrix is read at most once, at the speed of memory; at most
+    /// 600 bytes of memory per object besides.
     void Fit(double eps, unsigned int minPts);
 
     /// Per object its cluster, 0 .. C-1 in the order in which the clusters were founded, or -1 for

@@ -25,7 +25,9 @@ class ZVMATH_EXPORT ZVKernelPLS
 public:
     /// Fits the model with at most `maxFeatures` latent features; 0, or more than n, stands for n.
     ///
-    /// `kernel`: n x n, element (i, j) the kernel value of training objects i and j.
+    /// `kernel`: n x n, element (i, j) the kernel value of training objects i and j. Meant to be
+    /// symmetric and positive semidefinite, which is not asked of it: with another matrix the
+    /// features end where s below is not positive.
     /// `response`: n values; more are ignored.
     ///
     /// Extraction stops before the first feature that can't be used: one that makes the small
@@ -35,8 +37,9 @@ public:
     /// |y.t - sqrt(s)| > 0.01 * sqrt(s), or when every element of P K r is rounding: at most
     /// 8 * 2^-52 times the same sums of absolute values, (I + sum of |t_i| |q_i|^T) |K| |r|. (This
     /// is asked of scores below 1e-9 of the largest |K r| so far.) So `maxFeatures` = 0 is safe in
-    /// practice. It is not a choice of model: the number of features that predicts best is found
-    /// on objects that were not fitted.
+    /// practice, but slow where a kernel has many features to give (n = 1000: half a minute). It
+    /// is not a choice of model: the number of features that predicts best is found on objects
+    /// that were not fitted.
     ///
     /// False, with the warning "Kernel PLS failed due to singular matrix!" through
     /// `ZVSystem::ZVThrow` and the model left as it was: when not even one feature can be used, and
@@ -44,7 +47,7 @@ public:
     /// An allocation that fails leaves the model as it was, too.
     ///
     /// Cost for k features: k passes over K (one more for a score so small), and of the order of
-    /// n * k^2 + k^4 operations besides; memory 4 * n * k + k^2 doubles, no copy of K.
+    /// n * k^2 + k^4 operations besides; memory 4 * n * k + k^2 doubles and a few n, no copy of K.
     bool Fit(const ZVSquareMatrix& kernel, const std::vector<double>& response,
              unsigned int maxFeatures);
 

@@ -96,7 +96,7 @@ public:
     /// Does nothing: the matrix stays square.
     void AddRow(double value = 0.0) override;
     /// Makes it n x n; elements keep their place in the row-by-row sequence, see
-    /// `ZVMatrix::Resize`.
+    /// `ZVMatrix::Resize`. Two arguments are always n and value: `Resize(3, 3)` adds threes.
     virtual void Resize(unsigned int n, double value = 0.0);
 
     /// The matrix without row i and column j. 0 x 0 when i or j is out of range or the matrix is
@@ -112,8 +112,9 @@ public:
     /// exact where its products and sums are; for large or ill-scaled ones prefer a factorisation.
     ///
     /// Cost: n * 2^n operations up to n = 25, since a minor's determinant depends only on which
-    /// columns are left and is computed once for each such set; memory 2 * (n choose n/2) doubles.
-    /// Each further row multiplies the time by n. Practical to n = 20 or so: about 10 ms.
+    /// columns are left and is computed once for each such set; memory up to 4 * (n choose n/2)
+    /// doubles. Each further row multiplies the time by n. Practical to n = 20 or so: some tens of
+    /// milliseconds.
     double Determinant() const;
 
     /// The inverse: the adjugate times the reciprocal of the determinant, element (j, i) being
@@ -121,7 +122,8 @@ public:
     ///
     /// The n x n zero matrix, n being the number of rows, when `Determinant()` == 0.0, so also when
     /// not square. There is no tolerance: a nearly singular matrix gives large elements.
-    /// Cost: of the order of n^2 * 2^n operations up to n = 26; memory as for the determinant.
+    /// Cost: of the order of n^2 * 2^n operations up to n = 25; memory up to 6 * (n choose n/2)
+    /// doubles.
     ZVSquareMatrix Invert() const;
 };
 

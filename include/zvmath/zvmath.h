@@ -1,6 +1,6 @@
 #pragma once
 
-/// Everything the library offers, but for what needs Eigen.
+/// All families of the library. The toolkit's warnings are in "zvsystem/errors.h".
 
 #include "zvmath/dbscan.h"
 #include "zvmath/kernelpls.h"

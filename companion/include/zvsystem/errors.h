@@ -30,11 +30,13 @@ public:
     /// "Warning: <message>" and a line end to standard error in one call.
     ///
     /// Any thread may warn at any time; the sink runs on the thread that warns, and may itself warn
-    /// or change the sink. A message that can't be formatted, or finds no memory, is cut short
-    /// at 511 bytes rather than lost.
+    /// or change the sink. What it throws reaches the caller of the library. A message that can't
+    /// be formatted, or finds no memory, is cut short at 511 bytes rather than lost.
     void Warning(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
     /// Sends later warnings to `sink` and returns the one in force so far, for putting it back.
+    /// That one may still be running on another thread: its context must outlive what that thread
+    /// does.
     ZVWarningSink SetWarningSink(ZVWarningSink sink);
 
 private:

@@ -42,12 +42,12 @@ TEST(VectorLoops, HaveTheBitsOfTheirPlainForms)
         }
         EXPECT_TRUE(SameBits(sum[n], y[n]) && SameBits(scaled[n], x[n])) << "past the end";
 
-        std::vector<double> product(11);
-        std::vector<double> matrix(11 * n);
+        std::vector<double> product(15);
+        std::vector<double> matrix(15 * n);
         for (double& element : matrix)
             element = Uniform(random);
-        MatrixTimesVector(product.data(), matrix.data(), 11, n, x.data());
-        for (size_t r = 0; r < 11; ++r)
+        MatrixTimesVector(product.data(), matrix.data(), 15, n, x.data());
+        for (size_t r = 0; r < 15; ++r)
             EXPECT_TRUE(SameBits(product[r], NaiveDot(matrix.data() + r * n, x.data(), n)));
     }
 }

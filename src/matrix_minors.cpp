@@ -222,20 +222,14 @@ std::vector<double> Without(const double* matrix, size_t n, size_t i, size_t j)
 
 double LaplaceDeterminant(const double* matrix, size_t n, size_t tableColumns)
 {
-    switch (n) {
-    case 0:
-        return 0.0;
-    case 1:
-        return matrix[0];
-    case 2:
-        return Determinant2(matrix[0], matrix[1], matrix[2], matrix[3]);
-    case 3:
-        return Determinant3(matrix);
-    case 4:
+    if (n == 4)  // the most frequent by far, and so quick that the order of the tests counts
         return Determinant4(matrix);
-    default:
-        break;
-    }
+    if (n == 3)
+        return Determinant3(matrix);
+    if (n == 2)
+        return Determinant2(matrix[0], matrix[1], matrix[2], matrix[3]);
+    if (n < 2)
+        return n == 0 ? 0.0 : matrix[0];
     if (n > tableColumns) {
         double sum = 0.0;
         for (size_t j = 0; j < n; ++j) {

@@ -20,6 +20,7 @@ constexpr int noise = -1;
 // Sets of objects: object q is bit q % 64 of word q / 64.
 constexpr size_t wordBits = 64;
 
+/// The bit of each object of a word, for picking it out of a comparison's all ones or all zeros.
 struct BitOfLane
 {
     constexpr BitOfLane() : bits()
@@ -87,10 +88,10 @@ ZVMATH_CLONES Neighbours FindNeighbours(const double* row, size_t n, double eps,
     return {words, end, count};
 }
 
-/// Finds neighbourhoods. Rows that follow each other in memory are read half as fast again as rows
-/// out of turn, so the first ones are read in turn and kept: all, unless neighbourhoods are so
-/// large that the kept ones would take more than half a kilobyte an object. Others are found when
-/// needed.
+/// Finds neighbourhoods. Rows are read faster in the order in which they lie in memory than in the
+/// order in which clusters grow. So they are read in turn and their neighbourhoods kept, all of
+/// them unless those are so large that they would take more than half a kilobyte an object; the
+/// remaining rows are read when they are asked for.
 class Neighbourhoods
 {
 public:

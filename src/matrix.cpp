@@ -190,13 +190,7 @@ ZVSquareMatrix ZVSquareMatrix::Minor(unsigned int i, unsigned int j) const
     if (n != GetNumColumns() || i >= n || j >= n)
         return ZVSquareMatrix();
     ZVSquareMatrix result(n - 1);
-    const double* from = GetData().data();
-    double* to = result.Elements();
-    for (unsigned int r = 0; r < n; ++r, from += n)
-        if (r != i) {
-            to = std::copy_n(from, j, to);
-            to = std::copy(from + j + 1, from + n, to);
-        }
+    CopyWithout(result.Elements(), GetData().data(), n, i, j);
     return result;
 }
 

@@ -203,22 +203,24 @@ bool DivideAdjugate(double* inverse, const double* minors, size_t n, double dete
     return true;
 }
 
-/// The matrix without row i and column j.
-std::vector<double> Without(const double* matrix, size_t n, size_t i, size_t j)
+/// The determinant without row i and column j, of a matrix that the tables are too small for.
+double DeterminantWithout(const double* matrix, size_t n, size_t i, size_t j, size_t tableColumns)
 {
-    std::vector<double> result;
-    result.reserve((n - 1) * (n - 1));
-    for (size_t r = 0; r < n; ++r) {
-        if (r == i)
-            continue;
-        const double* row = matrix + r * n;
-        result.insert(result.end(), row, row + j);
-        result.insert(result.end(), row + j + 1, row + n);
-    }
-    return result;
+    std::vector<double> minor((n - 1) * (n - 1));
+    CopyWithout(minor.data(), matrix, n, i, j);
+    return LaplaceDeterminant(minor.data(), n - 1, tableColumns);
 }
 
 }  // namespace
+
+void CopyWithout(double* minor, const double* matrix, size_t n, size_t i, size_t j)
+{
+    for (size_t r = 0; r < n; ++r, matrix += n)
+        if (r != i) {
+            minor = std::copy_n(matrix, j, minor);
+            minor = std::copy(matrix + j + 1, matrix + n, minor);
+        }
+}
 
 double LaplaceDeterminant(const double* matrix, size_t n, size_t tableColumns)
 {
@@ -233,9 +235,7 @@ double LaplaceDeterminant(const double* matrix, size_t n, size_t tableColumns)
     if (n > tableColumns) {
         double sum = 0.0;
         for (size_t j = 0; j < n; ++j) {
-            const double minor =
-                LaplaceDeterminant(Without(matrix, n, 0, j).data(), n - 1, tableColumns);
-            const double term = minor * matrix[j];
+            const double term = DeterminantWithout(matrix, n, 0, j, tableColumns) * matrix[j];
             sum = j % 2 == 0 ? sum + term : sum - term;
         }
         return sum;
@@ -256,8 +256,7 @@ void LaplaceMinors(double* minors, const double* matrix, size_t n, size_t tableC
     if (n > tableColumns) {
         for (size_t i = 0; i < n; ++i)
             for (size_t j = 0; j < n; ++j)
-                *minors++ =
-                    LaplaceDeterminant(Without(matrix, n, i, j).data(), n - 1, tableColumns);
+                *minors++ = DeterminantWithout(matrix, n, i, j, tableColumns);
         return;
     }
     // The minors without row i share the rows below it; only those above are added for each i.

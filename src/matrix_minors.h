@@ -9,6 +9,9 @@ namespace ZVMath
 /// which then has binomial(25, 12) elements, 42 MB. Rows above are expanded one by one.
 constexpr size_t maxTableColumns = 25;
 
+/// Copies the row-major n x n `matrix` without row i and column j to `minor`.
+void CopyWithout(double* minor, const double* matrix, size_t n, size_t i, size_t j);
+
 /// The determinant of the row-major n x n `matrix` by Laplace expansion, as
 /// `ZVSquareMatrix::Determinant` states it.
 double LaplaceDeterminant(const double* matrix, size_t n, size_t tableColumns = maxTableColumns);

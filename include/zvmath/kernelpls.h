@@ -46,7 +46,7 @@ public:
     /// when n = 0, when `response` holds fewer than n values, or when `kernel` is not square.
     /// An allocation that fails leaves the model as it was, too.
     ///
-    /// Cost for k features: k passes over K (one more for a score so small), and of the order of
+    /// Cost for k features: k passes over K (another for each score so small), and of the order of
     /// n * k^2 + k^4 operations besides; memory 4 * n * k + k^2 doubles and a few n, no copy of K.
     bool Fit(const ZVSquareMatrix& kernel, const std::vector<double>& response,
              unsigned int maxFeatures);

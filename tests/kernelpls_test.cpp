@@ -277,7 +277,7 @@ TEST(KernelPLS, Predicts)
 
 TEST(KernelPLS, PowersOfTwoScaleTheModelExactly)
 {
-    const KernelPLSReference& r = kernelPLSReferences[5];
+    const KernelPLSReference& r = kernelPLSReferences[4];
     ZVKernelPLS plain;
     ASSERT_TRUE(plain.Fit(MakeSquare(r.kernel), r.response, 3));
     const auto times = [](std::vector<double> values, int power) {

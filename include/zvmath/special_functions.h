@@ -1,0 +1,94 @@
+#pragma once
+
+#include "zvmath/export.h"
+
+#include <cstdint>
+
+/// Gamma and beta functions in double precision, and harmonic numbers.
+///
+/// Each is evaluated by fixed formulas, with a fixed order of operations. The only steps that may
+/// differ in the last bit from one machine to another are the C library's `log` and `exp`;
+/// `ZVTriGamma` and `ZVExactHarmonicNumber` use neither. What the formulas can and cannot do is
+/// measured in docs/special_functions.md: accuracy by argument range, and maps of where the
+/// incomplete functions converge.
+///
+/// Failure is told in the result: the largest finite double, 1.7976931348623157e308 (below: the
+/// failure value), for arguments outside the domain and for what has not converged within 200
+/// terms. A NaN argument gives NaN where nothing else is said. No function keeps state.
+namespace ZVMath
+{
+
+/// ln Gamma(x), x > 0, by the approximation of Lanczos (1964) with g = 607/128 and 14 terms.
+///
+/// x < -1: the failure value. 0: infinity; -1 <= x < 0: NaN or a value without a meaning (the
+/// logarithm of Gamma there needs a reflection that is not made). Infinity: NaN.
+/// Cost: 15 divisions, two at a time, and two logarithms.
+ZVMATH_EXPORT double ZVlgamma(double x);
+
+/// The digamma function, d/dx ln Gamma(x), x > 0.
+///
+/// By the asymptotic series (Bernardo 1976), from below 10 after shifting x there by the
+/// recurrence; below 1e-16 by -1/x - 0.577215664901533. x <= 0: the failure value.
+/// Cost: a logarithm, at most 12 divisions.
+ZVMATH_EXPORT double ZVDiGamma(double x);
+
+/// The trigamma function, the second derivative of ln Gamma(x), x > 0.
+///
+/// By the asymptotic series (Schneider 1978), from below 10 after shifting x there by the
+/// recurrence; below 1e-16 by 1/x^2, which is infinite below 7.5e-155. x <= 0: the failure value.
+/// Cost: at most 11 divisions.
+ZVMATH_EXPORT double ZVTriGamma(double x);
+
+/// The regularised lower incomplete gamma function, a > 0, x > 0:
+///
+///     P(a, x) = 1/Gamma(a) * integral from 0 to x of t^(a-1) e^-t dt
+///
+/// `ZVIncompleteGammaSeriesForm` where x < a + 1, otherwise 1 minus the continued fraction. a <= 0
+/// or x <= 0 (so x = 0 too, where P is 0): the failure value. Where the series does not converge:
+/// the failure value. Where the fraction does not: 1 minus it, -1.7976931348623157e308. So test
+/// the result for 0 <= P <= 1. Near x = a the limit of 200 terms is met from a = 594 on (series)
+/// and a = 9857 on (fraction).
+ZVMATH_EXPORT double ZVIncompleteGamma(double a, double x);
+
+/// P(a, x) by its power series, e^-x x^a / Gamma(a) * sum over n of x^n / (a (a+1) .. (a+n)).
+///
+/// Meant for x < a + 1. a <= 0 or x <= 0, or 200 terms used up: the failure value. Infinite
+/// arguments: NaN. Cost: a division a term, which depends on the one before.
+ZVMATH_EXPORT double ZVIncompleteGammaSeriesForm(double a, double x);
+
+/// The complement Q(a, x) = 1 - P(a, x) by its continued fraction, evaluated by the method of Lentz
+/// (1976) as modified by Thompson and Barnett (1986).
+///
+/// Meant for x >= a + 1, and accurate for small Q, where 1 - P is not. a <= 0 or x <= 0, or 200
+/// terms used up: the failure value. x + 1 = a: NaN, since the first denominator is zero. An
+/// infinite argument: NaN. Cost: three divisions a term, two of which depend on the term before.
+ZVMATH_EXPORT double ZVComplementaryIncompleteGammaContinuedFractionForm(double a, double x);
+
+/// The regularised incomplete beta function, a > 0, b > 0, 0 <= x <= 1:
+///
+///     I_x(a, b) = Gamma(a+b) / (Gamma(a) Gamma(b)) * integral from 0 to x of t^(a-1) (1-t)^(b-1)
+///     dt
+///
+/// By `ZVIncompleteBetaContinuedFraction`, of (b, a, 1 - x) instead where x >= (a+1) / (a+b+2).
+/// x = 0: 0.0; x = 1: 1.0. Other arguments, and any NaN: the failure value. A failure of the
+/// fraction is not caught; it is multiplied by the factor before the integral, and may be any
+/// number after that: near the mean of the distribution it happens from a = b = 34232 on.
+ZVMATH_EXPORT double ZVIncompleteBeta(double a, double b, double x);
+
+/// The continued fraction of the incomplete beta function,
+///
+///     I_x(a, b) = x^a (1-x)^b Gamma(a+b) / (a Gamma(a) Gamma(b)) * fraction(a, b, x)
+///
+/// evaluated by the modified method of Lentz. It converges fast for x < (a+1) / (a+b+2). a <= 0,
+/// b <= 0 or x <= 0, or 200 steps used up: the failure value. Infinite a or b: NaN, as a rule.
+/// Cost: six divisions a step, two of which depend on one another.
+ZVMATH_EXPORT double ZVIncompleteBetaContinuedFraction(double a, double b, double x);
+
+/// The harmonic number H(n) = 1 + 1/2 + .. + 1/n, added up term by term; 0.0 for n = 0.
+///
+/// The sum has the order of additions of the sums in stats.h, element i being 1/(i+1).
+/// Error: at most (270 + log2(n)) * 2^-53 * H(n). Cost: n divisions, four at a time, so half a
+/// second for n = 1e9.
+ZVMATH_EXPORT double ZVExactHarmonicNumber(uint64_t n);
+
+}  // namespace ZVMath

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "zvmath/export.h"
+
+#include <Eigen/Core>
+#include <cstddef>
+#include <vector>
+
+namespace ZVMath
+{
+
+/// A linear model y = X beta by least-angle regression, with its whole path: the coefficients after
+/// each step. Each step lets one more variable in, the one whose correlation with what is left of y
+/// catches up with that of the others; all active coefficients then move so that these correlations
+/// stay equal. No variable leaves: where a coefficient changes its sign, the path goes on as that
+/// of least angles, not of the L1 penalty.
+///
+/// X (n rows, the observations; p columns, the variables) and y are used as they are: nothing is
+/// centred or scaled, and there is no intercept. For the method of the books bring the columns of X
+/// to mean 0 and one length, and y to mean 0.
+///
+/// Method: Efron, Hastie, Johnstone, Tibshirani: Least angle regression. Annals of Statistics 32
+/// (2004).
+///
+/// This header needs Eigen 3.3 or later, and only its Core: the only one of the library that does,
+/// so it is not part of zvmath.h. No object of Eigen's passes into the library; whatever flags the
+/// program and its Eigen are compiled with, the path has the same bits.
+class ZVMATH_EXPORT ZVLasso
+{
+public:
+    /// Computes the path of at most `maxSteps` steps: min(maxSteps, n - 1, p), and none when X has
+    /// no rows or y fewer than n values; more values than n are ignored. Replaces a path that was
+    /// there. Always true.
+    ///
+    /// With c = X^T (y - X beta), the first variable to enter is that of the largest |c_i|; of
+    /// equal ones the lowest index. Each step moves the active coefficients by gamma * w, with G
+    /// the Gram matrix of the active columns, s_i = 1 for active c_i >= 0 and -1 for c_i < 0,
+    ///
+    ///     w = A G^-1 s,  A = (s^T G^-1 s)^(-1/2),  C = the largest |c_i|,  h = X^T X_active w,
+    ///
+    /// and gamma the smallest positive one among (C + c_m) / (A + h_m) and (C - c_m) / (A - h_m)
+    /// over the inactive m, whose variable enters next; of equal ones the lowest index. Step min(n
+    /// - 1, p), if it is reached, goes the whole way to the least-squares fit: gamma = C / A.
+    ///
+    /// Every input comes to its end with as many steps, and no variable enters twice:
+    /// - A candidate for gamma that is not a number is none. Where there is no positive one, gamma
+    /// is
+    ///   0 and the last inactive variable enters next.
+    /// - Where active columns are linearly dependent (a zero column, a duplicate, or constant
+    /// columns),
+    ///   the coefficients from there on mean nothing: they are large, infinite or NaN.
+    /// - A column with a NaN or an infinity enters only when nothing else is left; the coefficients
+    ///   are NaN from there on. (Before, gamma is 0 when all that is left are such columns.) With a
+    ///   NaN or an infinity in y, all coefficients are NaN.
+    ///
+    /// Cost for k steps: X is read k + 1 times, about n p + n k / 2 multiplications and additions
+    /// in pairs a step for each reading, and of the order of p k^2 + k^3 besides; memory (p + k) *
+    /// k doubles beside the path. When memory runs out, the former path is left.
+    bool Fit(const Eigen::MatrixXd& X, const Eigen::VectorXd& y, unsigned int maxSteps)
+    {
+        static_assert(!Eigen::MatrixXd::IsRowMajor,
+                      "columns must be stored one after the other: EIGEN_DEFAULT_TO_ROW_MAJOR");
+        return FitColumns(X.data(), static_cast<unsigned int>(X.rows()),
+                          static_cast<unsigned int>(X.cols()), y.data(),
+                          static_cast<std::size_t>(y.size()), maxSteps);
+    }
+
+    /// The whole path: `maxSteps` = p.
+    bool Fit(const Eigen::MatrixXd& X, const Eigen::VectorXd& y)
+    {
+        return Fit(X, y, static_cast<unsigned int>(X.cols()));
+    }
+
+    /// The path: entry s holds the s + 1 coefficients of the variables `GetActives()[0 .. s]` after
+    /// step s; those of all others are 0. Empty without a fit, and after one without steps.
+    std::vector<std::vector<double>> GetCoefficients() const { return coefficients; }
+
+    /// The active variables (columns of X), in the order in which they entered.
+    std::vector<unsigned int> GetActives() const { return actives; }
+
+private:
+    /// X column by column.
+    bool FitColumns(const double* x, unsigned int rows, unsigned int columns, const double* y,
+                    std::size_t ySize, unsigned int maxSteps);
+
+    std::vector<std::vector<double>> coefficients;
+    std::vector<unsigned int> actives;
+};
+
+}  // namespace ZVMath

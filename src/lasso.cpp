@@ -282,11 +282,10 @@ double Path::ComputeDirection()
     return A;
 }
 
-/// The smallest positive gamma with which an inactive variable catches up, and that variable.
+/// The smallest positive gamma with which an inactive variable catches up; that variable enters
+/// next. (There is one: with none left, the step before was the last.)
 double Path::ChooseStep(double largest, double A)
 {
-    if (inactive.empty())
-        return 0.0;
     Combine(h.data(), gramPointers, 0, w, problem.p);
     double gamma = 0.0;  // no candidate yet
     entering = inactive.back();

@@ -232,7 +232,7 @@ template <class Terms> Bounds SampleBounds(size_t n, const Terms& terms, std::ve
 {
     // Many for tight bounds, few for a short selection: the best number goes with n^(2/3).
     size_t size = 64;
-    while (size < largestSample && size * size * size < n * n)
+    while (size < largestSample && size * size * size / n < n)
         size *= 2;
     const size_t stride = n / size;
     work.resize(size);

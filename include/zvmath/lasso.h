@@ -49,9 +49,10 @@ public:
     /// - Where active columns are linearly dependent (a zero column, a duplicate, or constant
     /// columns),
     ///   the coefficients from there on mean nothing: they are large, infinite or NaN.
-    /// - A column with a NaN or an infinity enters only when nothing else is left; the coefficients
-    ///   are NaN from there on. (Before, gamma is 0 when all that is left are such columns.) With a
-    ///   NaN or an infinity in y, all coefficients are NaN.
+    /// - A column with a NaN enters only when nothing else is left, with gamma = 0 in the step
+    /// before
+    ///   it; the coefficients are NaN from there on.
+    /// - With a NaN in y, or an infinity in X or y, the coefficients mean nothing.
     ///
     /// Cost for k steps: X is read k + 1 times, about n p + n k / 2 multiplications and additions
     /// in pairs a step for each reading, and of the order of p k^2 + k^3 besides; memory (p + k) *

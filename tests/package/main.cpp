@@ -3,6 +3,7 @@
 
 #include <Eigen/LU>
 #include <cstdio>
+#include <zvmath/lasso.h>
 #include <zvmath/zvmath.h>
 #include <zvsystem/errors.h>
 
@@ -82,6 +83,24 @@ int main()
         std::printf("%d ", label);
     for (const unsigned int center : clusters.GetClusterCenters())
         std::printf("center %u ", center);
+    std::printf("\n");
+
+    const std::vector<double>& values = product.GetData();
+    const std::vector<double> others(values.rbegin(), values.rend());
+    Print("statistics", {ZVMean(values), ZVMedian(values), ZVMeanAbsDeviation(values, others),
+                         ZVMedianAbsDeviation(values, others), ZVRMSE(values, others),
+                         ZVRSquared(values, others)});
+    Print("deviations", ZVAbsDeviations(response, others));
+    Print("special functions", {ZVlgamma(0.375), ZVDiGamma(0.375), ZVTriGamma(0.375),
+                                ZVIncompleteGamma(2.5, 1.25), ZVIncompleteGamma(2.5, 9.0),
+                                ZVIncompleteBeta(2.5, 7.0, 0.3125), ZVExactHarmonicNumber(10007)});
+
+    const Eigen::MatrixXd table = own.leftCols(7);
+    ZVLasso lasso;
+    lasso.Fit(table, own.col(11));
+    Print("path", lasso.GetCoefficients().back());
+    for (const unsigned int active : lasso.GetActives())
+        std::printf("%u ", active);
     std::printf("\n");
 
     ZVSystem::ZVThrow.SetWarningSink(

@@ -4,8 +4,12 @@
 #include "table.h"
 
 #include "zvmath/kernelpls.h"
+#include "zvmath/stats.h"
 
 using ZVMath::ZVKernelPLS;
+using ZVMath::ZVMean;
+using ZVMath::ZVRMSE;
+using ZVMath::ZVRSquared;
 using ZVMath::ZVSquareMatrix;
 
 namespace
@@ -19,14 +23,6 @@ using Rows = std::vector<std::vector<double>>;
 constexpr double sigma = 4.0;
 
 constexpr unsigned int mostFeatures = 12;
-
-double Mean(const std::vector<double>& values)
-{
-    double sum = 0.0;
-    for (const double value : values)
-        sum += value;
-    return sum / static_cast<double>(values.size());
-}
 
 /// A row for each patient: the kernel values against the training patients.
 Rows KernelRows(const Rows& patients, const Rows& training)
@@ -45,9 +41,9 @@ Rows KernelRows(const Rows& patients, const Rows& training)
 /// kernel rows have the means `trainingMeans`.
 void Centre(Rows& kernel, const std::vector<double>& trainingMeans)
 {
-    const double meanOfAll = Mean(trainingMeans);
+    const double meanOfAll = ZVMean(trainingMeans);
     for (std::vector<double>& row : kernel) {
-        const double mean = Mean(row);
+        const double mean = ZVMean(row);
         for (size_t j = 0; j < row.size(); ++j)
             row[j] += meanOfAll - mean - trainingMeans[j];
     }
@@ -59,18 +55,6 @@ std::vector<double> Predict(const ZVKernelPLS& model, const Rows& kernel, double
     for (const std::vector<double>& row : kernel)
         predicted.push_back(meanResponse + model.Predict(row));
     return predicted;
-}
-
-double Rmse(const std::vector<double>& predicted, const std::vector<double>& measured)
-{
-    return std::sqrt(SquaredDistance(predicted, measured) / static_cast<double>(measured.size()));
-}
-
-/// The share of the variance that the prediction explains.
-double RSquared(const std::vector<double>& predicted, const std::vector<double>& measured)
-{
-    const std::vector<double> mean(measured.size(), Mean(measured));
-    return 1.0 - SquaredDistance(predicted, measured) / SquaredDistance(mean, measured);
 }
 
 void Run(const std::string& data, const std::string& output)
@@ -96,10 +80,10 @@ void Run(const std::string& data, const std::string& output)
     // intercept, the mean response of the training half. Rows to predict from are centred alike.
     std::vector<double> trainingMeans;
     for (const std::vector<double>& row : trainingKernel)
-        trainingMeans.push_back(Mean(row));
+        trainingMeans.push_back(ZVMean(row));
     Centre(trainingKernel, trainingMeans);
     Centre(testKernel, trainingMeans);
-    const double meanResponse = Mean(trainingMeasured);
+    const double meanResponse = ZVMean(trainingMeasured);
     std::vector<double> response = trainingMeasured;
     for (double& value : response)
         value -= meanResponse;
@@ -122,13 +106,13 @@ void Run(const std::string& data, const std::string& output)
             throw std::runtime_error("no feature can be learnt");
         const std::vector<double> learnt = Predict(model, trainingKernel, meanResponse);
         const std::vector<double> predicted = Predict(model, testKernel, meanResponse);
-        const double trainingError = Rmse(learnt, trainingMeasured);
-        const double testError = Rmse(predicted, testMeasured);
+        const double trainingError = ZVRMSE(trainingMeasured, learnt);
+        const double testError = ZVRMSE(testMeasured, predicted);
         std::printf("%8u  %7.2f  %9.3f  %7.2f  %9.3f\n", features, trainingError,
-                    RSquared(learnt, trainingMeasured), testError,
-                    RSquared(predicted, testMeasured));
+                    ZVRSquared(trainingMeasured, learnt), testError,
+                    ZVRSquared(testMeasured, predicted));
         file << features << ' ' << trainingError << ' ' << testError << '\n';
-        if (bestPredicted.empty() || testError < Rmse(bestPredicted, testMeasured)) {
+        if (bestPredicted.empty() || testError < ZVRMSE(testMeasured, bestPredicted)) {
             bestFeatures = features;
             bestPredicted = predicted;
         }
@@ -137,7 +121,7 @@ void Run(const std::string& data, const std::string& output)
     // on a third set, or by cross-validation.
     std::printf("\nBest on the test half: %u features, RMSE %.2f. An optimistic figure, since the\n"
                 "number of features was chosen on the same half.\n",
-                bestFeatures, Rmse(bestPredicted, testMeasured));
+                bestFeatures, ZVRMSE(testMeasured, bestPredicted));
 
     file << "\n\n# measured, predicted with " << bestFeatures << " features: the test half\n";
     for (size_t i = 0; i < test.size(); ++i)

@@ -3,6 +3,8 @@
 // What the examples need besides the library: a table of numbers from a file, its columns brought
 // to one scale, and a way to fail with one clear line.
 
+#include "zvmath/stats.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -72,13 +74,13 @@ inline std::vector<Scale> ScalesOf(const std::vector<std::vector<double>>& rows)
     const double count = static_cast<double>(rows.size());
     std::vector<Scale> scales;
     for (size_t column = 0; column < rows[0].size(); ++column) {
-        double mean = 0.0;
+        std::vector<double> values;
+        values.reserve(rows.size());
         for (const std::vector<double>& row : rows)
-            mean += row[column] / count;
-        double variance = 0.0;
-        for (const std::vector<double>& row : rows)
-            variance += (row[column] - mean) * (row[column] - mean) / (count - 1.0);
-        scales.push_back({mean, std::sqrt(variance)});
+            values.push_back(row[column]);
+        const std::vector<double> mean(values.size(), ZVMath::ZVMean(values));
+        const double variance = ZVMath::ZVMeanSquareDeviation(values, mean) * count / (count - 1.0);
+        scales.push_back({mean[0], std::sqrt(variance)});
     }
     return scales;
 }

@@ -14,16 +14,17 @@ namespace
 
 // The symbols of Efron, Hastie, Johnstone and Tibshirani (2004):
 // x         the n x p matrix of the variables, column by column
-// mu        the fit so far, x * beta
-// c         the correlations x^T (y - mu)
-// gram      x^T x of the columns that are active, and here of all columns with those
+// c         the correlations x^T (y - x * beta)
+// G         the Gram matrix x^T x, or such columns of it as are needed
 // w         the direction in which the active coefficients move
-// u         x * w over the active columns: a unit vector at equal angles with all of them
-// h         x^T u
+// h         x^T x * w over the active columns: what c loses on the way
 // gamma     how far a step goes
+//
+// c is updated, c - gamma * h, rather than computed anew from what is left of y: that takes no more
+// reading of x, and adds up fewer roundings.
 
-/// Rows are taken in blocks: what a step needs of a block, it needs several times, and reads from
-/// memory once.
+/// Products of columns are summed block by block, so that what is needed several times stays in the
+/// cache, and rounding errors stay small.
 constexpr size_t rowsPerBlock = 256;
 
 /// sums[k][j] += column j * side k, for columns and sides of n elements. Four partial sums, element
@@ -78,28 +79,61 @@ ZVMATH_INLINE void AddAllProducts(double* const* sums, const double* x, size_t s
     }
 }
 
-ZVMATH_CLONES void AddProductsWithOne(double* sums, const double* x, size_t stride, size_t p,
-                                      const double* side, size_t n)
+struct Problem
 {
-    AddAllProducts<1>(&sums, x, stride, p, &side, n);
+    const double* x;
+    size_t n;
+    size_t p;
+    const double* y;
+
+    const double* Column(size_t j) const { return x + j * n; }
+};
+
+/// out[j] = column j of x times `side`.
+ZVMATH_CLONES void MultiplyColumns(double* out, const Problem& problem, const double* side)
+{
+    std::fill_n(out, problem.p, 0.0);
+    for (size_t begin = 0; begin < problem.n; begin += rowsPerBlock) {
+        const double* const part = side + begin;
+        AddAllProducts<1>(&out, problem.x + begin, problem.n, problem.p, &part,
+                          std::min(rowsPerBlock, problem.n - begin));
+    }
 }
 
-ZVMATH_CLONES void AddProductsWithTwo(double* const* sums, const double* x, size_t stride, size_t p,
-                                      const double* const* sides, size_t n)
+/// All of G, which is zero at first, with the same bits as column by column.
+ZVMATH_CLONES void ComputeGram(double* gram, const Problem& problem)
 {
-    AddAllProducts<2>(sums, x, stride, p, sides, n);
+    const size_t p = problem.p;
+    for (size_t begin = 0; begin < problem.n; begin += rowsPerBlock) {
+        const size_t n = std::min(rowsPerBlock, problem.n - begin);
+        size_t k = 0;
+        for (; k + 2 <= p; k += 2) {
+            double* const sums[] = {gram + k * p, gram + (k + 1) * p};
+            const double* const sides[] = {problem.Column(k) + begin,
+                                           problem.Column(k + 1) + begin};
+            AddAllProducts<2>(sums, problem.x + begin, problem.n, k + 2, sides, n);
+        }
+        if (k < p) {
+            double* const sums = gram + k * p;
+            const double* const side = problem.Column(k) + begin;
+            AddAllProducts<1>(&sums, problem.x + begin, problem.n, p, &side, n);
+        }
+    }
+    for (size_t k = 0; k < p; ++k)
+        for (size_t j = 0; j < k; ++j)
+            gram[j * p + k] = gram[k * p + j];
 }
 
 /// out[r] += factors[0] * columns[0][r], then factors[1] * columns[1][r] and so on.
 template <size_t count>
-ZVMATH_INLINE void AddMultiples(double* out, const double* const* columns, size_t offset,
-                                const double* factors, size_t n)
+ZVMATH_INLINE void AddMultiples(double* out, const double* const* columns, const double* factors,
+                                size_t n)
 {
     // Copies, which can't be changed through `out`, stay in registers.
     const double* column[count];
     Vec4 factor[count];
     for (size_t k = 0; k < count; ++k) {
-        column[k] = columns[k] + offset;
+        column[k] = columns[k];
         factor[k] = Vec4{} + factors[k];
     }
     size_t r = 0;
@@ -118,75 +152,85 @@ ZVMATH_INLINE void AddMultiples(double* out, const double* const* columns, size_
             out[r] += factors[k] * column[k][r];
 }
 
-/// out[r] = the sum of factors[i] * columns[i][offset + r], i ascending, from zero.
-ZVMATH_CLONES void Combine(double* out, const std::vector<const double*>& columns, size_t offset,
+/// out[r] = the sum of factors[i] * columns[i][r], i ascending, from zero.
+ZVMATH_CLONES void Combine(double* out, const std::vector<const double*>& columns,
                            const std::vector<double>& factors, size_t n)
 {
     constexpr size_t group = 8;
     std::fill_n(out, n, 0.0);
     size_t i = 0;
     for (; i + group <= factors.size(); i += group)
-        AddMultiples<group>(out, columns.data() + i, offset, factors.data() + i, n);
+        AddMultiples<group>(out, columns.data() + i, factors.data() + i, n);
     for (; i < factors.size(); ++i)
-        AddMultiples<1>(out, columns.data() + i, offset, factors.data() + i, n);
+        AddMultiples<1>(out, columns.data() + i, factors.data() + i, n);
 }
-
-struct Problem
-{
-    const double* x;
-    size_t n;
-    size_t p;
-    const double* y;
-
-    const double* Column(size_t j) const { return x + j * n; }
-};
 
 /// The path of one fit.
 class Path
 {
 public:
-    explicit Path(const Problem& fitted)
-        : problem(fitted), lastStep(std::min(fitted.n - 1, fitted.p) - 1), mu(fitted.n),
-          c(fitted.p), h(fitted.p)
-    {
-        for (size_t j = 0; j < problem.p; ++j)
-            inactive.push_back(static_cast<unsigned int>(j));
-    }
-
-    void Run(size_t steps);
+    /// Of `numSteps` > 0 steps.
+    Path(const Problem& problem, size_t numSteps);
 
     std::vector<std::vector<double>> coefficients;
     std::vector<unsigned int> actives;
 
 private:
     size_t MostCorrelated() const;
-    void Activate(size_t j, std::vector<double> gramColumn);
+    void Activate(unsigned int j);
     void ExtendFactor();
-    void ComputeSigns();
+    void UpdateSigns();
     double ComputeDirection();
     double ChooseStep(double largest, double A);
     void MoveCoefficients(double gamma);
-    std::vector<double> MoveFit(double gamma);
 
-    /// Row i of the lower triangular Cholesky factor of the active part of the Gram matrix.
+    /// Row i of the lower triangular Cholesky factor of the active part of G.
     double* FactorRow(size_t i) { return factor.data() + i * (i + 1) / 2; }
 
     const Problem& problem;
-    const size_t lastStep;  // the one that goes to the least-squares fit
-    std::vector<double> mu, c, h;
+    std::vector<double> c, h;
     std::vector<unsigned int> inactive;  // ascending
     unsigned int entering = 0;
+    std::vector<double> gram;  // all of it, or nothing
 
     // For each active variable:
-    std::vector<const double*> activeColumns;
-    std::vector<std::vector<double>> gramColumns;  // with all p columns
-    std::vector<const double*> gramPointers;
+    std::vector<std::vector<double>> ownedColumns;  // of G, unless all of it is there
+    std::vector<const double*> gramColumns;
     std::vector<double> factor;  // row after row, each as long as it is
     std::vector<double> signs;
     std::vector<double> halfSolved;  // factor^-1 * signs
     std::vector<double> w;
     std::vector<double> beta;
 };
+
+Path::Path(const Problem& fitted, size_t numSteps) : problem(fitted), c(fitted.p), h(fitted.p)
+{
+    const size_t p = problem.p;
+    for (size_t j = 0; j < p; ++j)
+        inactive.push_back(static_cast<unsigned int>(j));
+    // Symmetric, G costs as much as half its columns.
+    if (numSteps >= p - p / 2) {
+        gram.resize(p * p);
+        ComputeGram(gram.data(), problem);
+    }
+    MultiplyColumns(c.data(), problem, problem.y);
+    entering = static_cast<unsigned int>(MostCorrelated());
+    const size_t lastStep = std::min(problem.n - 1, p) - 1;  // the one to the least-squares fit
+    for (size_t step = 0; step < numSteps; ++step) {
+        Activate(entering);
+        ExtendFactor();
+        UpdateSigns();
+        const double A = ComputeDirection();
+        const double largest = std::fabs(c[MostCorrelated()]);
+        if (step == lastStep) {
+            MoveCoefficients(largest / A);
+            break;
+        }
+        const double gamma = ChooseStep(largest, A);
+        MoveCoefficients(gamma);
+        AddScaled(c.data(), -gamma, h.data(), p);
+    }
+}
 
 /// The largest |c_i|, of equal ones the first. A NaN is no correlation, unless there is nothing
 /// else.
@@ -199,44 +243,20 @@ size_t Path::MostCorrelated() const
     return best;
 }
 
-void Path::Run(size_t steps)
+void Path::Activate(unsigned int j)
 {
-    if (steps == 0)
-        return;
-    const auto correlate = [this](double* sums, const double* side) {
-        for (size_t begin = 0; begin < problem.n; begin += rowsPerBlock)
-            AddProductsWithOne(sums, problem.x + begin, problem.n, problem.p, side + begin,
-                               std::min(rowsPerBlock, problem.n - begin));
-    };
-    correlate(c.data(), problem.y);
-    entering = static_cast<unsigned int>(MostCorrelated());
-    std::vector<double> gramColumn(problem.p);
-    correlate(gramColumn.data(), problem.Column(entering));
-    for (size_t step = 0;; ++step) {
-        Activate(entering, std::move(gramColumn));
-        ExtendFactor();
-        ComputeSigns();
-        const double A = ComputeDirection();
-        const double largest = std::fabs(c[MostCorrelated()]);
-        const double gamma = step == lastStep ? largest / A : ChooseStep(largest, A);
-        MoveCoefficients(gamma);
-        if (step + 1 == steps)
-            return;
-        gramColumn = MoveFit(gamma);
-    }
-}
-
-void Path::Activate(size_t j, std::vector<double> gramColumn)
-{
-    actives.push_back(static_cast<unsigned int>(j));
+    actives.push_back(j);
     inactive.erase(std::find(inactive.begin(), inactive.end(), j));
-    activeColumns.push_back(problem.Column(j));
-    gramColumns.push_back(std::move(gramColumn));
-    gramPointers.push_back(gramColumns.back().data());
     beta.push_back(0.0);
+    if (gram.empty()) {
+        ownedColumns.emplace_back(problem.p);
+        MultiplyColumns(ownedColumns.back().data(), problem, problem.Column(j));
+        gramColumns.push_back(ownedColumns.back().data());
+    } else
+        gramColumns.push_back(gram.data() + j * problem.p);
 }
 
-/// The row of the newest variable. A pivot that is not positive makes it NaN or infinite.
+/// By the row of the newest variable. A pivot that is not positive makes it NaN or infinite.
 void Path::ExtendFactor()
 {
     const size_t last = actives.size() - 1;
@@ -250,7 +270,7 @@ void Path::ExtendFactor()
 }
 
 /// And what of the system depends on them: as signs rarely change, most of it stays as it is.
-void Path::ComputeSigns()
+void Path::UpdateSigns()
 {
     signs.push_back(0.0);
     halfSolved.push_back(0.0);
@@ -268,7 +288,7 @@ void Path::ComputeSigns()
     }
 }
 
-/// w = A G^-1 signs; returns A.
+/// w = A * (active part of G)^-1 * signs; returns A.
 double Path::ComputeDirection()
 {
     w = halfSolved;
@@ -282,11 +302,11 @@ double Path::ComputeDirection()
     return A;
 }
 
-/// The smallest positive gamma with which an inactive variable catches up; that variable enters
-/// next. (There is one: with none left, the step before was the last.)
+/// Finds h, and the smallest positive gamma with which an inactive variable catches up; that
+/// variable enters next. (There is one: with none left, the step before was the last.)
 double Path::ChooseStep(double largest, double A)
 {
-    Combine(h.data(), gramPointers, 0, w, problem.p);
+    Combine(h.data(), gramColumns, w, problem.p);
     double gamma = 0.0;  // no candidate yet
     entering = inactive.back();
     for (const unsigned int m : inactive)
@@ -305,27 +325,6 @@ void Path::MoveCoefficients(double gamma)
     coefficients.push_back(beta);
 }
 
-/// Moves the fit, and computes in the same reading of x the correlations and the entering
-/// variable's column of the Gram matrix, which is the result.
-std::vector<double> Path::MoveFit(double gamma)
-{
-    std::vector<double> gramColumn(problem.p);
-    std::fill(c.begin(), c.end(), 0.0);
-    double* const sums[] = {c.data(), gramColumn.data()};
-    double residual[rowsPerBlock];
-    for (size_t begin = 0; begin < problem.n; begin += rowsPerBlock) {
-        const size_t n = std::min(rowsPerBlock, problem.n - begin);
-        Combine(residual, activeColumns, begin, w, n);  // u at first
-        for (size_t i = 0; i < n; ++i) {
-            mu[begin + i] += gamma * residual[i];
-            residual[i] = problem.y[begin + i] - mu[begin + i];
-        }
-        const double* const sides[] = {residual, problem.Column(entering) + begin};
-        AddProductsWithTwo(sums, problem.x + begin, problem.n, problem.p, sides, n);
-    }
-    return gramColumn;
-}
-
 }  // namespace
 
 bool ZVLasso::FitColumns(const double* x, unsigned int rows, unsigned int columns, const double* y,
@@ -333,10 +332,9 @@ bool ZVLasso::FitColumns(const double* x, unsigned int rows, unsigned int column
 {
     std::vector<std::vector<double>> newCoefficients;
     std::vector<unsigned int> newActives;
-    if (rows > 1 && columns > 0 && ySize >= rows) {
+    if (rows > 1 && columns > 0 && ySize >= rows && maxSteps > 0) {
         const Problem problem{x, rows, columns, y};
-        Path path(problem);
-        path.Run(std::min({size_t{maxSteps}, problem.n - 1, problem.p}));
+        Path path(problem, std::min({size_t{maxSteps}, problem.n - 1, problem.p}));
         newCoefficients.swap(path.coefficients);
         newActives.swap(path.actives);
     }

@@ -107,8 +107,10 @@ double ZVDiGamma(double x)
         return Log(x) - 0.5 / x + series;
     }
     double shifts = 0.0;
-    for (; x < 10.0; x += 1.0)
+    while (x < 10.0) {
         shifts += 1.0 / x;
+        x += 1.0;
+    }
     // Bernoulli numbers B_2k / 2k.
     const double t = 1.0 / (x * x);
     double series = t * -0.08333333333333333 + 0.021092796092796094;
@@ -135,8 +137,10 @@ double ZVTriGamma(double x)
         return (series * t + 0.5 * u + 1.0) * u;
     }
     double shifts = 0.0;
-    for (; x < 10.0; x += 1.0)
+    while (x < 10.0) {
         shifts += 1.0 / (x * x);
+        x += 1.0;
+    }
     // Bernoulli numbers B_2k; the first is one unit in the last place below 7/6.
     const double u = 1.0 / x;
     const double t = u * u;

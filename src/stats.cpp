@@ -285,6 +285,8 @@ Middle MiddleOf(size_t n, const Terms& terms, size_t lowerRank, size_t upperRank
             kept.resize(counts.between + (end - begin));
         Classify(counts, kept.data(), bounds, terms, begin, end);
     }
+    if (bounds.low == bounds.high)
+        counts.atHigh = 0;  // they are counted at the low one
     const size_t first = counts.below + counts.atLow;
     const size_t last = first + counts.between;
     if (last + counts.atHigh + counts.above < n)

@@ -39,24 +39,27 @@ public:
     ///     w = A G^-1 s,  A = (s^T G^-1 s)^(-1/2),  C = the largest |c_i|,  h = X^T X_active w,
     ///
     /// and gamma the smallest positive one among (C + c_m) / (A + h_m) and (C - c_m) / (A - h_m)
-    /// over the inactive m, whose variable enters next; of equal ones the lowest index. Step min(n
-    /// - 1, p), if it is reached, goes the whole way to the least-squares fit: gamma = C / A.
+    /// over the inactive m, whose variable enters next; of equal ones the lowest index. If the
+    /// steps are not cut short by `maxSteps`, the last goes the whole way to the least-squares fit:
+    /// gamma = C / A. c is updated: c - gamma * h.
     ///
     /// Every input comes to its end with as many steps, and no variable enters twice:
-    /// - A candidate for gamma that is not a number is none. Where there is no positive one, gamma
-    /// is
-    ///   0 and the last inactive variable enters next.
-    /// - Where active columns are linearly dependent (a zero column, a duplicate, or constant
-    /// columns),
-    ///   the coefficients from there on mean nothing: they are large, infinite or NaN.
-    /// - A column with a NaN enters only when nothing else is left, with gamma = 0 in the step
-    /// before
-    ///   it; the coefficients are NaN from there on.
+    /// - A candidate for gamma that is not a number is none. Where there is no positive one, as
+    ///   with y = 0, gamma is 0 and the last inactive variable enters next.
+    /// - A variable left behind, its correlation equal to that of the first, has gamma 0: no
+    ///   candidate. The step goes on to the next.
+    /// - Where active columns are linearly dependent (a column of zeros, a duplicate, two that are
+    ///   constant), the coefficients from there on mean nothing: they may be large, infinite, NaN.
+    ///   When a duplicate of an active column enters is for rounding to say; so the step before may
+    ///   be cut short.
+    /// - A column with a NaN is never a candidate, so it enters after all that are, with gamma 0 in
+    ///   the step before it. The coefficients are NaN from there on.
     /// - With a NaN in y, or an infinity in X or y, the coefficients mean nothing.
     ///
-    /// Cost for k steps: X is read k + 1 times, about n p + n k / 2 multiplications and additions
-    /// in pairs a step for each reading, and of the order of p k^2 + k^3 besides; memory (p + k) *
-    /// k doubles beside the path. When memory runs out, the former path is left.
+    /// Cost for k steps: n p k multiplications and as many additions in k + 1 readings of X, or
+    /// from k = p / 2 on n p^2 / 2 in one reading by blocks of rows; of the order of p k^2 + k^3
+    /// besides; memory p * k + k^2 / 2 doubles (p^2 instead of p * k) beside the path. When memory
+    /// runs out, the former path is left.
     bool Fit(const Eigen::MatrixXd& X, const Eigen::VectorXd& y, unsigned int maxSteps)
     {
         static_assert(!Eigen::MatrixXd::IsRowMajor,

@@ -12,39 +12,93 @@ namespace ZVMath
 constexpr size_t numPartialSums = 16;
 constexpr size_t elementsPerBlock = 4096;
 
-/// Four registers of partial sums.
-struct PartialSums
+/// Four terms of one sum, and of two that run side by side.
+struct FourTerms
 {
-    Vec4 quarter[numPartialSums / 4] = {};
+    static constexpr size_t numSums = 1;
+    Vec4 first;
+
+    ZVMATH_INLINE void Set(const double (*terms)[4]) { first = Four(terms[0]).v; }
+    ZVMATH_INLINE void Add(const FourTerms& other) { first += other.first; }
+    ZVMATH_INLINE void Total(double* totals) const
+    {
+        totals[0] = (first[0] + first[2]) + (first[1] + first[3]);
+    }
 };
 
-/// Sum j takes j + 8, then j + 4, j + 2 and j + 1.
-ZVMATH_INLINE double Total(const PartialSums& sums)
+struct TwiceFourTerms
 {
-    const Vec4 four = (sums.quarter[0] + sums.quarter[2]) + (sums.quarter[1] + sums.quarter[3]);
-    return (four[0] + four[2]) + (four[1] + four[3]);
+    static constexpr size_t numSums = 2;
+    Vec4 first;
+    Vec4 second;
+
+    ZVMATH_INLINE void Set(const double (*terms)[4])
+    {
+        first = Four(terms[0]).v;
+        second = Four(terms[1]).v;
+    }
+    ZVMATH_INLINE void Add(const TwiceFourTerms& other)
+    {
+        first += other.first;
+        second += other.second;
+    }
+    ZVMATH_INLINE void Total(double* totals) const
+    {
+        totals[0] = (first[0] + first[2]) + (first[1] + first[3]);
+        totals[1] = (second[0] + second[2]) + (second[1] + second[3]);
+    }
+};
+
+/// Adds the terms of at most i .. i + 3, and of none from `end` on.
+template <class Group, class Terms>
+ZVMATH_INLINE void AddRest(Group& sums, const Terms& terms, size_t i, size_t end)
+{
+    Group group;
+    if (i + 4 <= end)
+        terms.Four(group, i);
+    else {
+        double some[Group::numSums][4] = {};
+        for (size_t lane = 0; i + lane < end; ++lane) {
+            double one[Group::numSums];
+            terms.One(one, i + lane);
+            for (size_t k = 0; k < Group::numSums; ++k)
+                some[k][lane] = one[k];
+        }
+        group.Set(some);
+    }
+    sums.Add(group);
 }
 
-/// The sum of the terms i in [begin, end): `terms.One(i)` gives one, `terms.Four(out, i)` those of
-/// i .. i + 3. (A vector as a result would be passed in different ways with and without AVX.)
-template <class Terms> ZVMATH_INLINE double SumOfBlock(size_t begin, size_t end, const Terms& terms)
+/// The sum of the terms of each i in [begin, end), or two sums. `terms.One(out, i)` gives those of
+/// i, `terms.Four(group, i)` those of i .. i + 3, a `Terms::Group`. (No vectors as results: they
+/// are passed in other ways with AVX than without.) Partial sum j takes j + 8, then j + 4, j + 2
+/// and j + 1.
+template <class Terms>
+ZVMATH_INLINE void SumBlock(double* totals, size_t begin, size_t end, const Terms& terms)
 {
-    PartialSums sums;
-    Vec4 four;
+    // Each by its name, or they would be kept in memory.
+    typename Terms::Group sums0 = {}, sums1 = {}, sums2 = {}, sums3 = {}, group;
     size_t i = begin;
-    for (; i + numPartialSums <= end; i += numPartialSums)
-        for (size_t q = 0; q < numPartialSums / 4; ++q) {
-            terms.Four(four, i + 4 * q);
-            sums.quarter[q] += four;
-        }
-    size_t q = 0;
-    for (; i + 4 <= end; i += 4, ++q) {
-        terms.Four(four, i);
-        sums.quarter[q] += four;
+    for (; i + numPartialSums <= end; i += numPartialSums) {
+        terms.Four(group, i);
+        sums0.Add(group);
+        terms.Four(group, i + 4);
+        sums1.Add(group);
+        terms.Four(group, i + 8);
+        sums2.Add(group);
+        terms.Four(group, i + 12);
+        sums3.Add(group);
     }
-    for (size_t lane = 0; i < end; ++i, ++lane)
-        sums.quarter[q][lane] += terms.One(i);
-    return Total(sums);
+    if (i < end) {
+        AddRest(sums0, terms, i, end);
+        AddRest(sums1, terms, i + 4, end);
+        AddRest(sums2, terms, i + 8, end);
+        AddRest(sums3, terms, i + 12, end);
+    }
+    sums0.Add(sums2);
+    sums1.Add(sums3);
+    sums0.Add(sums1);
+    sums0.Total(totals);
 }
 
 /// The sum over the blocks of [begin, end), whose sums `block(begin, end)` gives: in pairs, the

@@ -70,19 +70,25 @@ double NotZero(double value)
 /// 1 / (start + i), i < 2^31. Exact denominators up to 2^53: adding up so many would take a month.
 struct Reciprocals
 {
+    using Group = FourTerms;
     double start;
 
-    ZVMATH_INLINE double One(size_t i) const { return 1.0 / (start + static_cast<int>(i)); }
-    ZVMATH_INLINE void Four(Vec4& terms, size_t i) const
+    ZVMATH_INLINE void One(double* term, size_t i) const
+    {
+        *term = 1.0 / (start + static_cast<int>(i));
+    }
+    ZVMATH_INLINE void Four(FourTerms& terms, size_t i) const
     {
         const Vec4 offsets = {0.0, 1.0, 2.0, 3.0};
-        terms = 1.0 / (start + static_cast<int>(i) + offsets);
+        terms.first = 1.0 / (start + static_cast<int>(i) + offsets);
     }
 };
 
 ZVMATH_CLONES double HarmonicBlock(uint64_t first, size_t count)
 {
-    return SumOfBlock(0, count, Reciprocals{static_cast<double>(first)});
+    double total;
+    SumBlock(&total, 0, count, Reciprocals{static_cast<double>(first)});
+    return total;
 }
 
 }  // namespace

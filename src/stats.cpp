@@ -18,76 +18,95 @@ namespace
 
 struct Values
 {
+    using Group = FourTerms;
     const double* values;
 
-    ZVMATH_INLINE double One(size_t i) const { return values[i]; }
-    ZVMATH_INLINE void Four(Vec4& terms, size_t i) const { terms = ZVMath::Four(values + i).v; }
+    ZVMATH_INLINE void One(double* term, size_t i) const { *term = values[i]; }
+    ZVMATH_INLINE void Four(Group& terms, size_t i) const
+    {
+        terms.first = ZVMath::Four(values + i).v;
+    }
 };
 
 struct AbsDeviations
 {
+    using Group = FourTerms;
     const double* reference;
     const double* prediction;
 
-    ZVMATH_INLINE double One(size_t i) const { return std::fabs(reference[i] - prediction[i]); }
-    ZVMATH_INLINE void Four(Vec4& terms, size_t i) const
+    ZVMATH_INLINE void One(double* term, size_t i) const
+    {
+        *term = std::fabs(reference[i] - prediction[i]);
+    }
+    ZVMATH_INLINE void Four(Group& terms, size_t i) const
     {
         typedef int64_t Bits4 __attribute__((vector_size(32)));
         const Vec4 difference = ZVMath::Four(reference + i).v - ZVMath::Four(prediction + i).v;
-        terms = (Vec4)((Bits4)difference & std::numeric_limits<int64_t>::max());
+        terms.first = (Vec4)((Bits4)difference & std::numeric_limits<int64_t>::max());
     }
 };
 
 struct SquareDeviations
 {
+    using Group = FourTerms;
     const double* reference;
     const double* prediction;
 
-    ZVMATH_INLINE double One(size_t i) const
+    ZVMATH_INLINE void One(double* term, size_t i) const
     {
         const double difference = reference[i] - prediction[i];
-        return difference * difference;
+        *term = difference * difference;
     }
-    ZVMATH_INLINE void Four(Vec4& terms, size_t i) const
+    ZVMATH_INLINE void Four(Group& terms, size_t i) const
     {
         const Vec4 difference = ZVMath::Four(reference + i).v - ZVMath::Four(prediction + i).v;
-        terms = difference * difference;
+        terms.first = difference * difference;
     }
 };
 
-struct SquareDistances
+/// Two terms: the square deviation from the prediction, and that from the mean.
+struct Variances
 {
-    const double* values;
-    double from;
+    using Group = TwiceFourTerms;
+    SquareDeviations residual;
+    double mean;
 
-    ZVMATH_INLINE double One(size_t i) const { return (values[i] - from) * (values[i] - from); }
-    ZVMATH_INLINE void Four(Vec4& terms, size_t i) const
+    ZVMATH_INLINE void One(double* terms, size_t i) const
     {
-        const Vec4 difference = ZVMath::Four(values + i).v - from;
-        terms = difference * difference;
+        const double distance = residual.reference[i] - mean;
+        residual.One(terms, i);
+        terms[1] = distance * distance;
+    }
+    ZVMATH_INLINE void Four(Group& terms, size_t i) const
+    {
+        const Vec4 distance = ZVMath::Four(residual.reference + i).v - mean;
+        FourTerms squares;
+        residual.Four(squares, i);
+        terms = {squares.first, distance * distance};
     }
 };
 
 // The blocks of sums. (A template can't be compiled for several processors.)
 
-ZVMATH_CLONES double BlockSum(const Values& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOneBlock(double* total, const Values& terms, size_t begin, size_t end)
 {
-    return SumOfBlock(begin, end, terms);
+    SumBlock(total, begin, end, terms);
 }
 
-ZVMATH_CLONES double BlockSum(const AbsDeviations& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOneBlock(double* total, const AbsDeviations& terms, size_t begin, size_t end)
 {
-    return SumOfBlock(begin, end, terms);
+    SumBlock(total, begin, end, terms);
 }
 
-ZVMATH_CLONES double BlockSum(const SquareDeviations& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOneBlock(double* total, const SquareDeviations& terms, size_t begin,
+                               size_t end)
 {
-    return SumOfBlock(begin, end, terms);
+    SumBlock(total, begin, end, terms);
 }
 
-ZVMATH_CLONES double BlockSum(const SquareDistances& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOneBlock(double* totals, const Variances& terms, size_t begin, size_t end)
 {
-    return SumOfBlock(begin, end, terms);
+    SumBlock(totals, begin, end, terms);
 }
 
 /// The sum of the first n terms over n; of none 0.0.
@@ -95,23 +114,33 @@ template <class Terms> double Mean(size_t n, const Terms& terms)
 {
     if (n == 0)
         return 0.0;
-    const double sum = SumOfBlocks(
-        0, n, [&terms](size_t begin, size_t end) { return BlockSum(terms, begin, end); });
+    const double sum = SumOfBlocks(0, n, [&terms](size_t begin, size_t end) {
+        double total;
+        SumOneBlock(&total, terms, begin, end);
+        return total;
+    });
     return sum / static_cast<double>(n);
 }
 
 /// The numerator and the denominator of the share of variance that is not explained.
 struct SumsOfSquares
 {
-    double residual;
-    double total;
+    double sums[2];
 
     void operator+=(const SumsOfSquares& other)
     {
-        residual += other.residual;
-        total += other.total;
+        sums[0] += other.sums[0];
+        sums[1] += other.sums[1];
     }
 };
+
+/// Term i of such as have one.
+template <class Terms> ZVMATH_INLINE double One(const Terms& terms, size_t i)
+{
+    double term;
+    terms.One(&term, i);
+    return term;
+}
 
 // The median: the values of one or two neighbouring ranks. Two values of a sample, one below and
 // one above its own median, are very likely bounds of them. One pass counts what lies below, at and
@@ -183,8 +212,9 @@ ZVMATH_INLINE void InlineClassify(Counts& counts, double* kept, const Bounds& bo
     for (; i + group <= end; i += group) {
         Count4 anyBetween = {};
         for (size_t q = 0; q < group; q += 4) {
-            Vec4 four;
-            terms.Four(four, i + q);
+            FourTerms values;
+            terms.Four(values, i + q);
+            const Vec4 four = values.first;
             // True is -1.
             below -= four < low;
             atLow -= four == low;
@@ -194,13 +224,13 @@ ZVMATH_INLINE void InlineClassify(Counts& counts, double* kept, const Bounds& bo
         }
         if (Total(anyBetween) != 0)
             for (size_t j = i; j < i + group; ++j) {
-                const double value = terms.One(j);
+                const double value = One(terms, j);
                 kept[between] = value;
                 between += static_cast<size_t>((value > low) & (value < high));
             }
     }
     for (; i < end; ++i) {
-        const double value = terms.One(i);
+        const double value = One(terms, i);
         below[0] += value < low;
         atLow[0] += value == low;
         atHigh[0] += value == high;
@@ -239,7 +269,7 @@ template <class Terms> Bounds SampleBounds(size_t n, const Terms& terms, std::ve
     uint32_t random = 1;  // so that no period of the values meets that of the sample
     for (size_t j = 0; j < size; ++j) {
         random = random * 1664525u + 1013904223u;
-        work[j] = terms.One(j * stride + ((random >> 16) * stride >> 16));
+        work[j] = One(terms, j * stride + ((random >> 16) * stride >> 16));
         if (std::isnan(work[j]))
             return {work[j], work[j]};
     }
@@ -257,7 +287,7 @@ template <class Terms> double ZeroOfRank(size_t n, const Terms& terms, size_t ra
 {
     size_t before = 0;  // negative numbers and negative zeros
     for (size_t i = 0; i < n; ++i)
-        before += std::signbit(terms.One(i));
+        before += std::signbit(One(terms, i));
     return rank < before ? -0.0 : 0.0;
 }
 
@@ -270,7 +300,7 @@ Middle MiddleOf(size_t n, const Terms& terms, size_t lowerRank, size_t upperRank
         double few[fewValues];
         bool isNaN = false;
         for (size_t i = 0; i < n; ++i) {
-            few[i] = terms.One(i);
+            few[i] = One(terms, i);
             isNaN |= std::isnan(few[i]);
         }
         return isNaN ? Middle{NaN, NaN} : SelectFrom(few, n, lowerRank, upperRank);
@@ -294,7 +324,7 @@ Middle MiddleOf(size_t n, const Terms& terms, size_t lowerRank, size_t upperRank
     if (lowerRank < counts.below || upperRank >= last + counts.atHigh) {
         kept.resize(n);
         for (size_t i = 0; i < n; ++i)
-            kept[i] = terms.One(i);
+            kept[i] = One(terms, i);
         return SelectFrom(kept.data(), n, lowerRank, upperRank);
     }
     const auto isKept = [&](size_t rank) { return rank >= first && rank < last; };
@@ -330,13 +360,13 @@ size_t NumPairs(const std::vector<double>& reference, const std::vector<double>&
 ZVMATH_CLONES void Evaluate(double* out, const AbsDeviations& terms, size_t n)
 {
     for (size_t i = 0; i < n; ++i)
-        out[i] = terms.One(i);
+        out[i] = One(terms, i);
 }
 
 ZVMATH_CLONES void Evaluate(double* out, const SquareDeviations& terms, size_t n)
 {
     for (size_t i = 0; i < n; ++i)
-        out[i] = terms.One(i);
+        out[i] = One(terms, i);
 }
 
 template <class Terms> std::vector<double> Evaluated(const Terms& terms, size_t n)
@@ -403,13 +433,13 @@ double ZVRSquared(const std::vector<double>& reference, const std::vector<double
     const size_t n = std::min(reference.size(), prediction.size());
     if (n == 0)
         return std::numeric_limits<double>::quiet_NaN();
-    const SquareDeviations residuals{reference.data(), prediction.data()};
-    const SquareDistances distances{reference.data(), Mean(n, Values{reference.data()})};
-    // Block by block, so that the reference comes from memory once for both.
-    const SumsOfSquares sums = SumOfBlocks(0, n, [&](size_t begin, size_t end) {
-        return SumsOfSquares{BlockSum(residuals, begin, end), BlockSum(distances, begin, end)};
+    const Variances terms{{reference.data(), prediction.data()}, Mean(n, Values{reference.data()})};
+    const SumsOfSquares squares = SumOfBlocks(0, n, [&terms](size_t begin, size_t end) {
+        SumsOfSquares block;
+        SumOneBlock(block.sums, terms, begin, end);
+        return block;
     });
-    return 1.0 - sums.residual / sums.total;
+    return 1.0 - squares.sums[0] / squares.sums[1];
 }
 
 }  // namespace ZVMath

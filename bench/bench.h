@@ -10,6 +10,9 @@
 void AddMatrixBenchmarks();
 void AddDbscanBenchmarks();
 void AddKernelplsBenchmarks();
+void AddStatsBenchmarks();
+void AddSpecialFunctionsBenchmarks();
+void AddLassoBenchmarks();
 
 /// Names and versions of the peers that are compiled in.
 inline std::vector<std::string> peerVersions;

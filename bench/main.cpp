@@ -176,6 +176,9 @@ int main(int argc, char** argv)
     AddMatrixBenchmarks();
     AddDbscanBenchmarks();
     AddKernelplsBenchmarks();
+    AddStatsBenchmarks();
+    AddSpecialFunctionsBenchmarks();
+    AddLassoBenchmarks();
     TableReporter reporter;
     const size_t matches = benchmark::RunSpecifiedBenchmarks(&reporter);
     if (!reporter.failure.empty())

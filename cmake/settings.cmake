@@ -34,6 +34,7 @@ function(zvmath_library name target)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:${name}_objects>)
   target_compile_features(${name} PUBLIC cxx_std_17)
   target_link_options(${name} PRIVATE
+    -fno-fast-math  # or the library would make every program take subnormal numbers for zero
     -Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${name}.map -Wl,--no-undefined)
   if(ZVMATH_SANITIZE)
     target_link_options(${name} PRIVATE -fsanitize=${ZVMATH_SANITIZE})

@@ -307,15 +307,18 @@ double Path::ComputeDirection()
 double Path::ChooseStep(double largest, double A)
 {
     Combine(h.data(), gramColumns, w, problem.p);
-    double gamma = 0.0;  // no candidate yet
+    double gamma = 0.0;  // no positive candidate yet
     entering = inactive.back();
     for (const unsigned int m : inactive)
         for (const double candidate :
-             {(largest + c[m]) / (A + h[m]), (largest - c[m]) / (A - h[m])})
-            if (candidate > 0.0 && (gamma == 0.0 || gamma > candidate)) {
-                gamma = candidate;
+             {(largest + c[m]) / (A + h[m]), (largest - c[m]) / (A - h[m])}) {
+            const bool isNext =
+                gamma == 0.0 ? !std::isnan(candidate) : candidate > 0.0 && candidate < gamma;
+            if (isNext) {
+                gamma = candidate > 0.0 ? candidate : 0.0;
                 entering = m;
             }
+        }
     return gamma;
 }
 

@@ -174,6 +174,10 @@ TEST(Lasso, DefinedCases)
     // Where nothing is a candidate, the last one enters and nothing moves.
     EXPECT_EQ((Problem{problem.x, VectorXd::Zero(12)}.Fit()),
               (Path{{0, {0}}, {3, {0, 0}}, {2, {0, 0, 0}}, {1, {0, 0, 0, 0}}}));
+    MatrixXd withNaN = problem.x;
+    withNaN(5, 3) = NaN;
+    model.Fit(withNaN, VectorXd::Zero(12));
+    EXPECT_EQ(model.GetActives(), (std::vector<unsigned int>{0, 2, 1, 3}));
 }
 
 TEST(Lasso, ColumnsOfZerosOrWithNaNComeLast)

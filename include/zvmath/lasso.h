@@ -24,7 +24,8 @@ namespace ZVMath
 ///
 /// This header needs Eigen 3.3 or later, and only its Core: the only one of the library that does,
 /// so it is not part of zvmath.h. No object of Eigen's passes into the library; whatever flags the
-/// program and its Eigen are compiled with, the path has the same bits.
+/// program and its Eigen are compiled with, the path has the same bits. Fewer than 2^32 rows and
+/// columns.
 class ZVMATH_EXPORT ZVLasso
 {
 public:
@@ -45,9 +46,13 @@ public:
     ///
     /// Every input comes to its end with as many steps, and no variable enters twice:
     /// - A candidate for gamma that is not a number is none. Where there is no positive one, as
-    ///   with y = 0, gamma is 0 and the last inactive variable enters next.
-    /// - A variable left behind, its correlation equal to that of the first, has gamma 0: no
-    ///   candidate. The step goes on to the next.
+    ///   with y = 0, gamma is 0 and the last inactive variable enters next (that has a candidate,
+    ///   if any has). The first to enter has a correlation that is a number, if any has.
+    /// - A variable left behind, its correlation equal to that of the first, has gamma 0 and is no
+    ///   candidate, so the step goes on to the next. Rounding may make it a candidate with a tiny
+    ///   gamma.
+    /// - An infinite candidate (A + h_m or A - h_m is 0) is one; taken, if no other is positive, it
+    ///   leaves coefficients that are infinite or NaN.
     /// - Where active columns are linearly dependent (a column of zeros, a duplicate, two that are
     ///   constant), the coefficients from there on mean nothing: they may be large, infinite, NaN.
     ///   When a duplicate of an active column enters is for rounding to say; so the step before may

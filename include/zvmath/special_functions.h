@@ -14,7 +14,8 @@
 ///
 /// Failure is told in the result: the largest finite double, 1.7976931348623157e308 (below: the
 /// failure value), for arguments outside the domain and for what has not converged within 200
-/// terms. A NaN argument gives NaN where nothing else is said. No function keeps state.
+/// terms. A NaN argument gives NaN where nothing else is said. So do the incomplete functions where
+/// a step overflows or vanishes: parameters below 1e-300 or above 1e150. No function keeps state.
 namespace ZVMath
 {
 
@@ -32,7 +33,7 @@ ZVMATH_EXPORT double ZVlgamma(double x);
 /// By the asymptotic series (Bernardo 1976), from below 10 after shifting x there by the
 /// recurrence; below 1e-16 by -1/x - 0.577215664901533. x <= 0: the failure value. Below 5.56e-309:
 /// -infinity. Infinity: infinity.
-/// Error: at most (8 + 3 |psi|) * 2^-52, psi being the result; 2 ulp for x >= 10.
+/// Error: at most (8 + 7 |psi|) * 2^-52, psi being the result; 2 ulp for x >= 10.
 /// Cost: a logarithm, at most 12 divisions.
 ZVMATH_EXPORT double ZVDiGamma(double x);
 
@@ -54,9 +55,9 @@ ZVMATH_EXPORT double ZVTriGamma(double x);
 /// not: 1 minus it, -1.7976931348623157e308. So `std::fabs(P) < 2` tells values from failures; 1
 /// may be exceeded by the rounding error.
 /// The limit of 200 terms is met near x = a, and first at x = a + 1: by the series from a = 587 on
-/// (at x = a: 594), by the fraction from about a = 8700 on, for some x and not for others, since it
-/// ends only when a factor is within 2^-52 of 1.
-/// Error of what converges: at most 6e-15 (a + 4) P for a in [0.01, 9800] and P >= 1e-15.
+/// (at x = a from 593.3), by the fraction from about a = 8700 on, for some x and not for others,
+/// since it ends only when a factor is within 2^-52 of 1. Error of what converges: at most 6e-15 (a
+/// + 4) P for a in [0.01, 9800] and P >= 1e-15.
 ZVMATH_EXPORT double ZVIncompleteGamma(double a, double x);
 
 /// P(a, x) by its power series, e^-x x^a / Gamma(a) * sum over n of x^n / (a (a+1) .. (a+n)).
@@ -85,11 +86,12 @@ ZVMATH_EXPORT double ZVComplementaryIncompleteGammaContinuedFractionForm(double 
 /// between 0 and 1: NaN.
 /// A failure of the fraction is not caught; it is multiplied by the factor before the integral.
 /// This happens near the mean, x = a / (a+b), when both a and b exceed about 8000 (if they are
-/// equal, about 27000; of whole numbers first 34232), for some arguments and not for others. The
-/// result is then infinity or -infinity; only from a + b = 1e14 on, where rounding leaves nothing
-/// of the factor anyway, it may be a number, even 0.
-/// Error of what converges, for a and b in [0.01, 30000]: at most 1e-14 (a + b + 4); and at most
-/// that times I where x < (a+1) / (a+b+2) and I >= 1e-15.
+/// equal, about 27000; of whole numbers first 34232), for some arguments and not for others; and
+/// far above the mean when b exceeds about 1e10, however small a is. The result is then infinite,
+/// or a number far outside [0, 1]; only when a and b together exceed 1e14, where rounding leaves
+/// nothing of the factor anyway, it may be any number. Error of what converges, for a and b in
+/// [0.01, 30000]: at most 1e-14 (a + b + 4); and at most that times I where x < (a+1) / (a+b+2) and
+/// I >= 1e-15.
 ZVMATH_EXPORT double ZVIncompleteBeta(double a, double b, double x);
 
 /// The continued fraction of the incomplete beta function,
@@ -98,7 +100,7 @@ ZVMATH_EXPORT double ZVIncompleteBeta(double a, double b, double x);
 ///
 /// evaluated by the modified method of Lentz. It converges fast for x < (a+1) / (a+b+2). a <= 0,
 /// b <= 0 or x <= 0, or 200 steps used up: the failure value. Infinite a or b: NaN. x >= 1 is not
-/// refused, and gives a number of no use.
+/// refused, and gives a number of no use, or NaN.
 /// Cost: six divisions a step, of which two must wait for one another.
 ZVMATH_EXPORT double ZVIncompleteBetaContinuedFraction(double a, double b, double x);
 

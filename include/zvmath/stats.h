@@ -62,7 +62,7 @@ ZVMATH_EXPORT double ZVMeanSquareDeviation(const std::vector<double>& reference,
                                            const std::vector<double>& prediction);
 
 /// The root mean square error: the square root of `ZVMeanSquareDeviation`. No pairs: 0.0. Squares
-/// overflow from differences of 1.35e154, and vanish below 1.57e-162.
+/// overflow from differences of 1.3408e154, and vanish below 1.57e-162.
 /// Error: at most E / 2 of the result, and 2^-537 more.
 ZVMATH_EXPORT double ZVRMSE(const std::vector<double>& reference,
                             const std::vector<double>& prediction);

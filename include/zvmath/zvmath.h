@@ -1,9 +1,11 @@
 #pragma once
 
-/// All families of the library but lasso.h, which needs Eigen. The toolkit's warnings are in "zvsystem/errors.h".
+/// All families of the library but lasso.h, which needs Eigen. The toolkit's warnings are in
+/// "zvsystem/errors.h".
 
 #include "zvmath/dbscan.h"
 #include "zvmath/kernelpls.h"
 #include "zvmath/matrix.h"
 #include "zvmath/special_functions.h"
 #include "zvmath/stats.h"
+#include "zvmath/thompson.h"

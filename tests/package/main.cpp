@@ -103,6 +103,25 @@ int main()
         std::printf("%u ", active);
     std::printf("\n");
 
+    ZVBetaThompson thompson(12);
+    ZVMultiThompson combinations({7, 1, 9, 6}, 1);
+    combinations.SetupBatchDraw(2);
+    std::vector<unsigned int> taken, next;
+    while (taken.size() < 400 && combinations.Draw()) {
+        taken.push_back(thompson.Sample());
+        thompson.UpdateFailure(taken.back());
+        while (combinations.GetNext(next)) {
+            combinations.UpdateSuccess(next);
+            taken.insert(taken.end(), next.begin(), next.end());
+        }
+    }
+    for (const unsigned int arm : taken)
+        std::printf("%u ", arm);
+    ZVBetaDistribution beta(0.5, 7.0);
+    MtRng<Mt32Traits> engine(7);
+    Print("draws",
+          {beta.Rand(), engine.getUnitDouble(), static_cast<double>(engine.getUnsigned())});
+
     ZVSystem::ZVThrow.SetWarningSink(
         {[](void*, const char* message) { std::printf("warned: %s\n", message); }, nullptr});
     Print("without a model", {ZVKernelPLS().Predict({})});

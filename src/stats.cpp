@@ -291,10 +291,22 @@ template <class Terms> double ZeroOfRank(size_t n, const Terms& terms, size_t ra
     return rank < before ? -0.0 : 0.0;
 }
 
-/// Of n > 0 values; both NaN if there is a NaN among them. The sign of zeros is open.
-template <class Terms>
-Middle MiddleOf(size_t n, const Terms& terms, size_t lowerRank, size_t upperRank)
+/// The ranks of the middle of n > 0 values: the same one if n is odd.
+size_t LowerRank(size_t n)
 {
+    return (n - 1) / 2;
+}
+
+size_t UpperRank(size_t n)
+{
+    return n / 2;
+}
+
+/// Of n > 0 values; both NaN if there is a NaN among them. The sign of zeros is open.
+template <class Terms> Middle MiddleOf(size_t n, const Terms& terms)
+{
+    const size_t lowerRank = LowerRank(n);
+    const size_t upperRank = UpperRank(n);
     constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
     if (n <= fewValues) {
         double few[fewValues];
@@ -343,11 +355,9 @@ template <class Terms> double MedianOf(size_t n, const Terms& terms)
 {
     if (n == 0)
         return 0.0;
-    const size_t upperRank = n / 2;
-    const size_t lowerRank = n % 2 == 1 ? upperRank : upperRank - 1;
-    Middle middle = MiddleOf(n, terms, lowerRank, upperRank);
+    Middle middle = MiddleOf(n, terms);
     if (middle.lower == 0.0 && middle.upper == 0.0)
-        middle = {ZeroOfRank(n, terms, lowerRank), ZeroOfRank(n, terms, upperRank)};
+        middle = {ZeroOfRank(n, terms, LowerRank(n)), ZeroOfRank(n, terms, UpperRank(n))};
     return n % 2 == 1 ? middle.upper : (middle.upper + middle.lower) * 0.5;
 }
 

@@ -13,6 +13,7 @@ void AddKernelplsBenchmarks();
 void AddStatsBenchmarks();
 void AddSpecialFunctionsBenchmarks();
 void AddLassoBenchmarks();
+void AddThompsonBenchmarks();
 
 /// Names and versions of the peers that are compiled in.
 inline std::vector<std::string> peerVersions;

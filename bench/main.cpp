@@ -179,6 +179,7 @@ int main(int argc, char** argv)
     AddStatsBenchmarks();
     AddSpecialFunctionsBenchmarks();
     AddLassoBenchmarks();
+    AddThompsonBenchmarks();
     TableReporter reporter;
     const size_t matches = benchmark::RunSpecifiedBenchmarks(&reporter);
     if (!reporter.failure.empty())

@@ -1,5 +1,6 @@
 #include "zvmath/thompson.h"
 
+#include "beta_draws.h"
 #include "multiversion.h"
 
 #include <algorithm>
@@ -23,13 +24,25 @@ ZVMATH_INLINE unsigned int Twist(unsigned int u, unsigned int v)
     return (mixed >> 1) ^ (-(v & 1u) & Mt32Traits::mag01[1]);
 }
 
-ZVMATH_CLONES void RegenerateState(unsigned int* state)
+/// Renews the words [begin, end) of the state, those before being renewed already, and tempers
+/// them.
+ZVMATH_CLONES void RenewWords(unsigned int* state, unsigned int* outputs, size_t begin, size_t end)
 {
-    for (size_t k = 0; k < stateSize - shift; ++k)
+    constexpr size_t wrap = stateSize - shift;
+    size_t k = begin;
+    for (; k < std::min(end, wrap); ++k)
         state[k] = state[k + shift] ^ Twist(state[k], state[k + 1]);
-    for (size_t k = stateSize - shift; k < stateSize - 1; ++k)
-        state[k] = state[k - (stateSize - shift)] ^ Twist(state[k], state[k + 1]);
-    state[stateSize - 1] = state[shift - 1] ^ Twist(state[stateSize - 1], state[0]);
+    for (; k < std::min(end, stateSize - 1); ++k)
+        state[k] = state[k - wrap] ^ Twist(state[k], state[k + 1]);
+    if (end == stateSize)
+        state[k] = state[k - wrap] ^ Twist(state[k], state[0]);
+    for (k = begin; k < end; ++k) {
+        unsigned int y = state[k];
+        y ^= y >> 11;
+        y ^= (y << 7) & 0x9d2c5680u;
+        y ^= (y << 15) & 0xefc60000u;
+        outputs[k - begin] = y ^ (y >> 18);
+    }
 }
 
 /// Fills `count` states from seeds in succession. A word depends on the one before: side by side
@@ -65,7 +78,7 @@ struct ArmDraw
 
 }  // namespace
 
-MtRng<Mt32Traits>::MtRng(unsigned int seed) : left(1), next(0)
+MtRng<Mt32Traits>::MtRng(unsigned int seed) : next(blockSize), block(0)
 {
     unsigned int* const states[] = {state};
     SeedStates<1>(states, seed);
@@ -73,12 +86,31 @@ MtRng<Mt32Traits>::MtRng(unsigned int seed) : left(1), next(0)
 
 MtRng<Mt32Traits>::~MtRng() = default;
 
-void MtRng<Mt32Traits>::Regenerate()
+void MtRng<Mt32Traits>::Renew()
 {
-    RegenerateState(state);
-    left = stateSize;
+    const size_t begin = size_t{block} * blockSize;
+    RenewWords(state, outputs, begin, begin + blockSize);
+    block = begin + blockSize == stateSize ? 0 : block + 1;
     next = 0;
 }
+
+/// The engine's outputs without calls.
+struct TwisterSource
+{
+    MtRng<Mt32Traits>& engine;
+
+    uint64_t Get31Bits() { return engine.NextOutput() >> 1; }
+    uint64_t Get62Bits()
+    {
+        if (engine.next + 2 <= engine.blockSize) {
+            const unsigned int* const two = engine.outputs + engine.next;
+            engine.next += 2;
+            return uint64_t{two[0] >> 1} << 31 | two[1] >> 1;
+        }
+        const uint64_t high = Get31Bits();
+        return high << 31 | Get31Bits();
+    }
+};
 
 ZVBetaDistribution::ZVBetaDistribution(double alphaParameter, double betaParameter)
     : generator(alphaParameter, betaParameter), alpha(alphaParameter), beta(betaParameter)
@@ -90,6 +122,12 @@ void ZVBetaDistribution::Reset(double newAlpha, double newBeta)
     alpha = newAlpha;
     beta = newBeta;
     generator = ZVBetaRNG(newAlpha, newBeta);
+}
+
+double ZVBetaDistribution::Rand()
+{
+    TwisterSource source{engine};
+    return BetaDraws<TwisterSource>(source).Draw(generator);
 }
 
 ZVThompson::~ZVThompson() = default;
@@ -126,8 +164,10 @@ void ZVBetaThompson::SeedArms(unsigned int first)
         unsigned int* const states[] = {arms[arm].engine.state};
         SeedStates<1>(states, first + static_cast<unsigned int>(arm));
     }
-    for (ZVBetaDistribution& distribution : arms)
-        distribution.engine.left = 1;
+    for (ZVBetaDistribution& distribution : arms) {
+        distribution.engine.next = MtRng<Mt32Traits>::blockSize;
+        distribution.engine.block = 0;
+    }
 }
 
 void ZVBetaThompson::Seed(unsigned int seed)
@@ -165,12 +205,14 @@ std::vector<unsigned int> ZVBetaThompson::SampleN(unsigned int n)
 
 void ZVBetaThompson::UpdateSuccess(unsigned int arm)
 {
-    AssignPrior(arm, GetAlpha(arm) + 1.0, GetBeta(arm));
+    if (arm < arms.size())
+        arms[arm].Reset(arms[arm].GetAlpha() + 1.0, arms[arm].GetBeta());
 }
 
 void ZVBetaThompson::UpdateFailure(unsigned int arm)
 {
-    AssignPrior(arm, GetAlpha(arm), GetBeta(arm) + 1.0);
+    if (arm < arms.size())
+        arms[arm].Reset(arms[arm].GetAlpha(), arms[arm].GetBeta() + 1.0);
 }
 
 double ZVBetaThompson::GetAlpha(unsigned int arm) const
@@ -192,7 +234,7 @@ bool ZVBetaThompson::AssignPrior(unsigned int arm, double alpha, double beta)
 }
 
 ZVRouletteThompson::ZVRouletteThompson(unsigned int armCount)
-    : ZVThompson(armCount), engine(0), alphas(armCount, 1.0), betas(armCount, 1.0), sums(armCount)
+    : ZVThompson(armCount), engine(0), arms(armCount)
 {
 }
 
@@ -203,42 +245,43 @@ void ZVRouletteThompson::Seed(unsigned int seed)
 
 void ZVRouletteThompson::SetOutdated(unsigned int arm)
 {
-    upToDate = std::min(upToDate, size_t{arm});
-    ascending = std::min(ascending, size_t{arm});
+    numUpToDate = std::min(numUpToDate, size_t{arm});
+    numAscending = std::min(numAscending, size_t{arm});
 }
 
 void ZVRouletteThompson::UpdateSums()
 {
-    double sum = upToDate == 0 ? 0.0 : sums[upToDate - 1];
-    for (; upToDate < sums.size(); ++upToDate) {
+    double sum = numUpToDate == 0 ? 0.0 : arms[numUpToDate - 1].sum;
+    for (; numUpToDate < arms.size(); ++numUpToDate) {
+        Arm& arm = arms[numUpToDate];
         const double former = sum;
-        sum += alphas[upToDate] / (betas[upToDate] + alphas[upToDate]);
-        sums[upToDate] = sum;
-        if (ascending == upToDate && sum >= former)
-            ++ascending;
+        sum += arm.alpha / (arm.beta + arm.alpha);
+        arm.sum = sum;
+        if (numAscending == numUpToDate && sum >= former)
+            ++numAscending;
     }
 }
 
 unsigned int ZVRouletteThompson::Sample()
 {
+    if (arms.empty())
+        numUpToDate = numAscending = 0;  // they may have been moved away
     UpdateSums();
-    const double total = sums.empty() ? 0.0 : sums.back();
+    const double total = arms.empty() ? 0.0 : arms.back().sum;
     const double low = engine.NextOutput();
     const double high = engine.NextOutput();
     const double r = total * 5.421010862427522e-20 * (high * 4294967296.0 + low);  // 2^-64, 2^32
-    // The first sum above r: by bisection, and from where sums stop ascending by walking.
-    size_t begin = 0;
-    size_t end = ascending;
-    while (begin < end) {
-        const size_t middle = begin + (end - begin) / 2;
-        if (sums[middle] > r)
-            end = middle;
-        else
-            begin = middle + 1;
+    // The first sum above r: by bisection, without branches, each of which would be a guess; and
+    // from where sums stop ascending by walking.
+    size_t first = 0;
+    for (size_t rest = numAscending; rest > 0;) {
+        const size_t half = (rest + 1) / 2;
+        first += half * static_cast<size_t>(!(arms[first + half - 1].sum > r));
+        rest -= half;
     }
-    while (begin < sums.size() && !(sums[begin] > r))
-        ++begin;
-    return begin < sums.size() ? static_cast<unsigned int>(begin) : NumArms() - 1;
+    while (first < arms.size() && !(arms[first].sum > r))
+        ++first;
+    return first < arms.size() ? static_cast<unsigned int>(first) : NumArms() - 1;
 }
 
 std::vector<unsigned int> ZVRouletteThompson::SampleN(unsigned int n)
@@ -251,30 +294,36 @@ std::vector<unsigned int> ZVRouletteThompson::SampleN(unsigned int n)
 
 void ZVRouletteThompson::UpdateSuccess(unsigned int arm)
 {
-    AssignPrior(arm, GetAlpha(arm) + 1.0, GetBeta(arm));
+    if (arm >= arms.size())
+        return;
+    arms[arm].alpha += 1.0;
+    SetOutdated(arm);
 }
 
 void ZVRouletteThompson::UpdateFailure(unsigned int arm)
 {
-    AssignPrior(arm, GetAlpha(arm), GetBeta(arm) + 1.0);
+    if (arm >= arms.size())
+        return;
+    arms[arm].beta += 1.0;
+    SetOutdated(arm);
 }
 
 double ZVRouletteThompson::GetAlpha(unsigned int arm) const
 {
-    return arm < alphas.size() ? alphas[arm] : 0.0;
+    return arm < arms.size() ? arms[arm].alpha : 0.0;
 }
 
 double ZVRouletteThompson::GetBeta(unsigned int arm) const
 {
-    return arm < betas.size() ? betas[arm] : 0.0;
+    return arm < arms.size() ? arms[arm].beta : 0.0;
 }
 
 bool ZVRouletteThompson::AssignPrior(unsigned int arm, double alpha, double beta)
 {
-    if (arm >= alphas.size())
+    if (arm >= arms.size())
         return false;
-    alphas[arm] = alpha;
-    betas[arm] = beta;
+    arms[arm].alpha = alpha;
+    arms[arm].beta = beta;
     SetOutdated(arm);
     return true;
 }

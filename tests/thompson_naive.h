@@ -134,7 +134,7 @@ public:
     bool Draw()
     {
         Arms expanded;
-#ifdef __GLIBCXX__
+#if defined(_GLIBCXX_RELEASE) && _GLIBCXX_RELEASE >= 11
         if (candidates.size() > batchPositions)
             std::sample(candidates.begin(), candidates.end(), std::back_inserter(expanded),
                         batchPositions, engine);

@@ -84,10 +84,10 @@ struct Reciprocals
     }
 };
 
-ZVMATH_CLONES double HarmonicBlock(uint64_t first, size_t count)
+ZVMATH_CLONES double HarmonicBlocks(uint64_t first, size_t count)
 {
     double total;
-    SumBlock(&total, 0, count, Reciprocals{static_cast<double>(first)});
+    SumBlocks(&total, 0, count, Reciprocals{static_cast<double>(first)});
     return total;
 }
 
@@ -262,7 +262,7 @@ double ZVIncompleteBeta(double a, double b, double x)
 double ZVExactHarmonicNumber(uint64_t n)
 {
     return SumOfBlocks(
-        0, n, [](size_t begin, size_t end) { return HarmonicBlock(begin + 1, end - begin); });
+        0, n, [](size_t begin, size_t end) { return HarmonicBlocks(begin + 1, end - begin); });
 }
 
 }  // namespace ZVMath

@@ -86,27 +86,28 @@ struct Variances
     }
 };
 
-// The blocks of sums. (A template can't be compiled for several processors.)
+// The sums over one block or two. (A template can't be compiled for several processors.)
 
-ZVMATH_CLONES void SumOneBlock(double* total, const Values& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOverBlocks(double* total, const Values& terms, size_t begin, size_t end)
 {
-    SumBlock(total, begin, end, terms);
+    SumBlocks(total, begin, end, terms);
 }
 
-ZVMATH_CLONES void SumOneBlock(double* total, const AbsDeviations& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOverBlocks(double* total, const AbsDeviations& terms, size_t begin,
+                                 size_t end)
 {
-    SumBlock(total, begin, end, terms);
+    SumBlocks(total, begin, end, terms);
 }
 
-ZVMATH_CLONES void SumOneBlock(double* total, const SquareDeviations& terms, size_t begin,
-                               size_t end)
+ZVMATH_CLONES void SumOverBlocks(double* total, const SquareDeviations& terms, size_t begin,
+                                 size_t end)
 {
-    SumBlock(total, begin, end, terms);
+    SumBlocks(total, begin, end, terms);
 }
 
-ZVMATH_CLONES void SumOneBlock(double* totals, const Variances& terms, size_t begin, size_t end)
+ZVMATH_CLONES void SumOverBlocks(double* totals, const Variances& terms, size_t begin, size_t end)
 {
-    SumBlock(totals, begin, end, terms);
+    SumBlocks(totals, begin, end, terms);
 }
 
 /// The sum of the first n terms over n; of none 0.0.
@@ -116,7 +117,7 @@ template <class Terms> double Mean(size_t n, const Terms& terms)
         return 0.0;
     const double sum = SumOfBlocks(0, n, [&terms](size_t begin, size_t end) {
         double total;
-        SumOneBlock(&total, terms, begin, end);
+        SumOverBlocks(&total, terms, begin, end);
         return total;
     });
     return sum / static_cast<double>(n);
@@ -446,7 +447,7 @@ double ZVRSquared(const std::vector<double>& reference, const std::vector<double
     const Variances terms{{reference.data(), prediction.data()}, Mean(n, Values{reference.data()})};
     const SumsOfSquares squares = SumOfBlocks(0, n, [&terms](size_t begin, size_t end) {
         SumsOfSquares block;
-        SumOneBlock(block.sums, terms, begin, end);
+        SumOverBlocks(block.sums, terms, begin, end);
         return block;
     });
     return 1.0 - squares.sums[0] / squares.sums[1];

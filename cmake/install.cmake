@@ -43,7 +43,10 @@ if(PROJECT_IS_TOP_LEVEL)
   set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "libzvmath${ZVMATH_SOVERSION} (= ${PROJECT_VERSION})")
   set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libeigen3-dev)  # for zvmath/lasso.h
-  set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: shared libraries")
-  set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "${PROJECT_DESCRIPTION}: headers and link files")
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # or the synopsis would be the same for both
+  set(families "Matrices, statistics, special functions, regression, clustering and sampling.")
+  set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: shared libraries\n${families}")
+  set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "${PROJECT_DESCRIPTION}: headers and link files\n${families}")
   include(CPack)
 endif()

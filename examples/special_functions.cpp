@@ -45,7 +45,10 @@ double BetaQuantile(double a, double b, double probability)
     double low = 0.0, high = 1.0;
     for (int step = 0; step < 50; ++step) {
         const double middle = 0.5 * (low + high);
-        (ZVIncompleteBeta(a, b, middle) < probability ? low : high) = middle;
+        const double p = ZVIncompleteBeta(a, b, middle);
+        if (!(std::fabs(p) < 2.0))  // an infinity would pass for less or more, unnoticed
+            throw std::runtime_error("the incomplete beta function does not converge");
+        (p < probability ? low : high) = middle;
     }
     return low;
 }

@@ -31,7 +31,7 @@ class ZVMATH_EXPORT ZVLasso
 public:
     /// Computes the path of at most `maxSteps` steps: min(maxSteps, n - 1, p), and none when X has
     /// no rows or y fewer than n values; more values than n are ignored. Replaces a path that was
-    /// there. Always true.
+    /// there. Returns true, even where there are no steps.
     ///
     /// With c = X^T (y - X beta), the first variable to enter is that of the largest |c_i|; of
     /// equal ones the lowest index. Each step moves the active coefficients by gamma * w, with G
@@ -82,9 +82,12 @@ public:
 
     /// The path: entry s holds the s + 1 coefficients of the variables `GetActives()[0 .. s]` after
     /// step s; those of all others are 0. Empty without a fit, and after one without steps.
+    ///
+    /// A copy, as is that of `GetActives`: keep it in a variable.
+    /// `for (double b : model.GetCoefficients().back())` would loop over what is gone.
     std::vector<std::vector<double>> GetCoefficients() const { return coefficients; }
 
-    /// The active variables (columns of X), in the order in which they entered.
+    /// The active variables (columns of X), in the order in which they entered: a copy.
     std::vector<unsigned int> GetActives() const { return actives; }
 
 private:

@@ -9,13 +9,14 @@
 /// Each is evaluated by fixed formulas, with a fixed order of operations. The only steps that may
 /// differ in the last bit from one machine to another are the C library's `log` and `exp`;
 /// `ZVTriGamma` and `ZVExactHarmonicNumber` use neither. What the formulas can and cannot do is
-/// measured in docs/special_functions.md: accuracy by argument range, and maps of where the
-/// incomplete functions converge.
+/// measured in docs/special_functions.md of the source tree: accuracy by argument range, and maps
+/// of where the incomplete functions converge.
 ///
 /// Failure is told in the result: the largest finite double, 1.7976931348623157e308 (below: the
 /// failure value), for arguments outside the domain and for what has not converged within 200
-/// terms. A NaN argument gives NaN where nothing else is said. So do the incomplete functions where
-/// a step overflows or vanishes: parameters below 1e-300 or above 1e150. No function keeps state.
+/// terms. A NaN argument gives NaN where nothing else is said. So may the incomplete functions for
+/// parameters below 1e-300 or above 1e150, where a step overflows or vanishes (some of these values
+/// are right). No function keeps state.
 namespace ZVMath
 {
 
@@ -56,8 +57,8 @@ ZVMATH_EXPORT double ZVTriGamma(double x);
 /// may be exceeded by the rounding error.
 /// The limit of 200 terms is met near x = a, and first at x = a + 1: by the series from a = 587 on
 /// (at x = a from 593.3), by the fraction from about a = 8700 on, for some x and not for others,
-/// since it ends only when a factor is within 2^-52 of 1. Error of what converges: at most 6e-15 (a
-/// + 4) P for a in [0.01, 9800] and P >= 1e-15.
+/// since it ends only when a factor is within 2^-52 of 1.
+/// Error of what converges: at most 6e-15 (a + 4) P for a in [0.01, 9800] and P >= 1e-15.
 ZVMATH_EXPORT double ZVIncompleteGamma(double a, double x);
 
 /// P(a, x) by its power series, e^-x x^a / Gamma(a) * sum over n of x^n / (a (a+1) .. (a+n)).
@@ -69,17 +70,18 @@ ZVMATH_EXPORT double ZVIncompleteGammaSeriesForm(double a, double x);
 /// The complement Q(a, x) = 1 - P(a, x) by its continued fraction, evaluated by the method of Lentz
 /// (1976) as modified by Thompson and Barnett (1986).
 ///
-/// Meant for x >= a + 1, and accurate for small Q, where 1 - P is not: error at most 6e-15 (a + 4)
-/// Q for a in [0.01, 9800] and Q >= 1e-15. For smaller x the value may be wrong altogether: -1e272
-/// for (2, 1e-10). a <= 0 or x <= 0, or 200 terms used up: the failure value. x + 1 = a, where the
-/// first denominator is zero: NaN, or the failure value for large a. An infinite argument: NaN.
-/// Cost: two divisions a term, side by side, that depend on the term before.
+/// Meant for x >= a + 1, and accurate for small Q, where 1 - P is not: error at most
+/// 6e-15 (a + 4) Q for a in [0.01, 9800] and Q >= 1e-15. For smaller x the value may be wrong
+/// altogether: -1e272 for (2, 1e-10). a <= 0 or x <= 0, or 200 terms used up: the failure value.
+/// a = x + 1, where the first denominator is zero: NaN, or the failure value for large a. An
+/// infinite argument: NaN. Cost: two divisions a term, side by side, that depend on the term
+/// before.
 ZVMATH_EXPORT double ZVComplementaryIncompleteGammaContinuedFractionForm(double a, double x);
 
 /// The regularised incomplete beta function, a > 0, b > 0, 0 <= x <= 1:
 ///
-///     I_x(a, b) = Gamma(a+b) / (Gamma(a) Gamma(b)) * integral from 0 to x of t^(a-1) (1-t)^(b-1)
-///     dt
+///     I_x(a, b) = Gamma(a+b) / (Gamma(a) Gamma(b))
+///                 * integral from 0 to x of t^(a-1) (1-t)^(b-1) dt
 ///
 /// By `ZVIncompleteBetaContinuedFraction`, of (b, a, 1 - x) instead where x >= (a+1) / (a+b+2).
 /// x = 0: 0.0; x = 1: 1.0. Other arguments, and any NaN: the failure value. Infinite a or b, and x
@@ -87,11 +89,12 @@ ZVMATH_EXPORT double ZVComplementaryIncompleteGammaContinuedFractionForm(double 
 /// A failure of the fraction is not caught; it is multiplied by the factor before the integral.
 /// This happens near the mean, x = a / (a+b), when both a and b exceed about 8000 (if they are
 /// equal, about 27000; of whole numbers first 34232), for some arguments and not for others; and
-/// far above the mean when b exceeds about 1e10, however small a is. The result is then infinite,
-/// or a number far outside [0, 1]; only when a and b together exceed 1e14, where rounding leaves
-/// nothing of the factor anyway, it may be any number. Error of what converges, for a and b in
-/// [0.01, 30000]: at most 1e-14 (a + b + 4); and at most that times I where x < (a+1) / (a+b+2) and
-/// I >= 1e-15.
+/// far above the mean when b exceeds about 1e10, however small a is, or far below it when a does.
+/// The result is then infinite, or a number far outside [0, 1]; only when a and b together exceed
+/// 1e14, where rounding leaves nothing of the factor anyway, it may be any number. So test
+/// `std::fabs(I) < 2` for each value: in a comparison an infinity passes for less or more.
+/// Error of what converges, for a and b in [0.01, 30000]: at most 1e-14 (a + b + 4); and at most
+/// that times I where x < (a+1) / (a+b+2) and I >= 1e-15.
 ZVMATH_EXPORT double ZVIncompleteBeta(double a, double b, double x);
 
 /// The continued fraction of the incomplete beta function,

@@ -182,9 +182,9 @@ public:
     unsigned int Sample() override;
 
     /// Draws once from each arm, in ascending order, even if n is 0, and gives the arms of the n
-    /// largest draws, best first. Of arms with exactly equal draws the lowest is named in
-    /// the place of each. Surplus places (n larger than the number of arms, or draws that are NaN)
-    /// hold `NumArms()`.
+    /// largest draws, best first. Of arms with exactly equal draws the lowest is named in the place
+    /// of each. Surplus places (n larger than the number of arms, or draws that are NaN) hold
+    /// `NumArms()`.
     std::vector<unsigned int> SampleN(unsigned int n) override;
 
     void UpdateSuccess(unsigned int arm) override;
@@ -214,8 +214,8 @@ public:
     /// The first arm k with c_k > r, where c_k is the sum of the means of arms 0 .. k in this
     /// order, and r = (c_last * 2^-64) * (hi * 2^32 + lo) of two outputs of the engine, lo first.
     /// The last arm when there is none (rounding, or a NaN); 4294967295 with no arms, after two
-    /// outputs too. Cost: of the order of log N, or N after an update and where
-    /// means are negative or NaN; allocates nothing.
+    /// outputs too. Cost: of the order of log N, or N after an update and where means are negative
+    /// or NaN; allocates nothing.
     unsigned int Sample() override;
 
     /// n independent choices.
@@ -256,32 +256,34 @@ private:
 /// `Seed(s)` from s + p + k + 2. So neighbouring positions share streams, shifted by one arm, and
 /// as long as their counts are equal their choices go together: of two new neighbours with N arms
 /// the second chooses one arm lower than the first with probability (N - 1) / (N + 1), for N = 10
-/// four times out of five. It fades as the counts differ (docs/thompson.md), and roulette positions
-/// are free of it. (Of these, position 0 before any `Seed` has the stream that chooses the
-/// positions to expand: call `Seed`.) `Seed(s)` and `Seed(s + 1)` are near copies: space seeds by P
-/// plus the largest number of arms.
+/// four times out of five. It fades as the counts differ (docs/thompson.md of the source tree).
+/// Roulette positions have a stream each. But as long as they have not been seeded, that of
+/// position 0 is also the stream that chooses which positions to expand: call `Seed`, and again
+/// after `SwitchToRoulette`. `Seed(s)` and `Seed(s + 1)` are near copies: space seeds by P plus the
+/// largest number of arms.
 ///
 /// It can be moved, but not copied. When memory runs out, nothing has changed but the state of
 /// random streams.
 class ZVMATH_EXPORT ZVMultiThompson
 {
 public:
-    /// Position p gets `armsPerPosition[p]` arms: a `ZVBetaThompson` if `kind` is 1, or else (2 is
-    /// meant) a `ZVRouletteThompson`. It is seeded with p.
+    /// Position p gets a sampler of `armsPerPosition[p]` arms, seeded with p: a `ZVBetaThompson` if
+    /// `kind` is 1, a `ZVRouletteThompson` if it is 2 or any other number.
     ZVMultiThompson(const std::vector<unsigned int>& armsPerPosition, unsigned int kind);
     ZVMultiThompson(ZVMultiThompson&&) = default;
     ZVMultiThompson& operator=(ZVMultiThompson&&) = default;
 
     /// Turns all positions to `ZVRouletteThompson` with the counts that they have; position p is
-    /// seeded with p, whatever the seed was before. False, and nothing changes, if `kind` is 2
-    /// already.
+    /// seeded with p, whatever the seed was before. What is queued stays. False, and nothing
+    /// changes, if `kind` is 2 already.
     bool SwitchToRoulette();
 
     /// Position p is seeded with seed + 1 + p, modulo 2^32. What is queued stays, and so does the
     /// stream that chooses the positions to expand: it is the same for all objects.
     void Seed(unsigned int seed);
 
-    /// From now on each `Draw` expands up to n of the positions that have at least 5 arms.
+    /// From now on each `Draw` expands up to n of the positions that have at least 5 arms; at first
+    /// it expands none, and queues one combination.
     void SetupBatchDraw(unsigned int n);
 
     /// Queues combinations: one for each choice of an option at each position. An expanded position
@@ -289,7 +291,7 @@ public:
     /// `Sample()`, or arm 0 without sampling if it is the only one. Positions are sampled in
     /// ascending order. If more than n can be expanded, n are chosen at random, each set with equal
     /// probability, by an engine seeded with 0 at construction (selection sampling: Fan, Muller,
-    /// Rezucha 1962, Journal of the American Statistical Association 57). Always true; without
+    /// Rezucha 1962, Journal of the American Statistical Association 57). Returns true; without
     /// positions nothing is queued. (Where `Sample` or `SampleN` gives an arm that does not exist,
     /// so do the combinations.) Cost: a sample per position, whatever the number of combinations.
     bool Draw();
@@ -308,8 +310,9 @@ public:
     bool UpdateSuccess(const std::vector<unsigned int>& combination);
     bool UpdateFailure(const std::vector<unsigned int>& combination);
 
-    /// `ZVThompson::AssignPriors` of the sampler at `position`. Nothing changes if there is no such
-    /// position, if it has fewer than two arms, or if there is not one prior for each arm.
+    /// `ZVThompson::AssignPriors` of the sampler at `position`. Nothing changes, and nothing tells
+    /// so, if there is no such position, if it has fewer than two arms, or if there is not one
+    /// prior for each arm.
     void AssignPriors(const std::vector<double>& priors, unsigned int position);
 
 private:

@@ -11,9 +11,9 @@ template <class Source> class BetaDraws;
 /// x^(alpha-1) (1-x)^(beta-1) on [0, 1].
 ///
 /// Exact for all positive parameters, but for the rounding of each draw (shapes near 0.001: 1e-12
-/// of it). Others draw a constant and use nothing of the engine: with alpha <= 0 < beta 0.0, with
-/// beta
-/// <= 0 < alpha 1.0, with both <= 0 or a NaN NaN; alpha infinite 1.0, beta infinite 0.0, both 0.5.
+/// of it). Others draw a constant and use nothing of the engine: 0.0 where alpha <= 0 < beta, 1.0
+/// where beta <= 0 < alpha, NaN where both are <= 0 or one is a NaN; 1.0 where alpha is infinite,
+/// 0.0 where beta is, 0.5 where both are.
 ///
 /// Draws lie in [0, 1]; the ends come up where no double is closer. Those of (1, 1) are multiples
 /// of 2^-53 below 1. Whatever the engine returns, a draw ends: rejections are limited to a number

@@ -38,7 +38,7 @@ void Print(const char* name, const std::vector<double>& values)
     std::printf("\n");
 }
 
-void Print(const char* name, const Eigen::MatrixXd& m)
+void PrintEigen(const char* name, const Eigen::MatrixXd& m)
 {
     Print(name, std::vector<double>(m.data(), m.data() + m.size()));
 }
@@ -61,10 +61,10 @@ int main()
     for (Eigen::Index i = 0; i < own.size(); ++i)
         own.data()[i] = Next();
     const Eigen::MatrixXd ownProduct = own * own.transpose();
-    Print("own product", ownProduct);
+    PrintEigen("own product", ownProduct);
     const Eigen::VectorXd solution =
         (8.0 * Eigen::MatrixXd::Identity(12, 12)).eval().partialPivLu().solve(own.col(0));
-    Print("own solution", solution);
+    PrintEigen("own solution", solution);
 
     ZVSquareMatrix kernel(40);
     for (unsigned int r = 0; r < 40; ++r)

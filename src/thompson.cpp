@@ -150,6 +150,12 @@ ZVBetaThompson::ZVBetaThompson(unsigned int armCount)
     SeedArms(1);
 }
 
+ZVBetaThompson& ZVBetaThompson::operator=(const ZVBetaThompson& other)
+{
+    ZVBetaThompson copy(other);
+    return *this = std::move(copy);
+}
+
 void ZVBetaThompson::SeedArms(unsigned int first)
 {
     constexpr size_t group = 8;
@@ -236,6 +242,12 @@ bool ZVBetaThompson::AssignPrior(unsigned int arm, double alpha, double beta)
 ZVRouletteThompson::ZVRouletteThompson(unsigned int armCount)
     : ZVThompson(armCount), engine(0), arms(armCount)
 {
+}
+
+ZVRouletteThompson& ZVRouletteThompson::operator=(const ZVRouletteThompson& other)
+{
+    ZVRouletteThompson copy(other);
+    return *this = std::move(copy);
 }
 
 void ZVRouletteThompson::Seed(unsigned int seed)

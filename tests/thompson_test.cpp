@@ -138,6 +138,34 @@ TEST(Thompson, SamplersEqualTheLiteralSteps)
     sampler.Sample();  // NOLINT(bugprone-use-after-move): whatever it gives, it ends
 }
 
+template <class Sampler> void ExpectSafeAssignment()
+{
+    const Sampler larger(100);
+    for (int failures = 0;; ++failures) {
+        Sampler sampler(3);
+        sampler.UpdateSuccess(2);
+        try {
+            const FailingAllocation failing(failures);
+            sampler = larger;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(sampler.NumArms(), 3u);
+            EXPECT_EQ(sampler.GetAlpha(2), 2.0);
+            EXPECT_EQ(sampler.GetAlpha(3), 0.0);
+            continue;
+        }
+        EXPECT_GT(failures, 0);
+        EXPECT_EQ(sampler.NumArms(), 100u);
+        EXPECT_EQ(sampler.GetAlpha(99), 1.0);
+        return;
+    }
+}
+
+TEST(Thompson, AssignmentThatFindsNoMemoryChangesNothing)
+{
+    ExpectSafeAssignment<ZVBetaThompson>();
+    ExpectSafeAssignment<ZVRouletteThompson>();
+}
+
 TEST(Thompson, PriorsFromProbabilities)
 {
     const double cases[][2] = {

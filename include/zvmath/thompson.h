@@ -173,6 +173,11 @@ class ZVMATH_EXPORT ZVBetaThompson : public ZVThompson
 public:
     /// Arm k's engine is seeded with k + 1.
     explicit ZVBetaThompson(unsigned int armCount);
+    ZVBetaThompson(const ZVBetaThompson&) = default;
+    ZVBetaThompson(ZVBetaThompson&&) = default;
+    /// Unchanged when memory runs out.
+    ZVBetaThompson& operator=(const ZVBetaThompson& other);
+    ZVBetaThompson& operator=(ZVBetaThompson&&) = default;
 
     /// Arm k's engine is seeded with seed + k + 1, modulo 2^32.
     void Seed(unsigned int seed) override;
@@ -207,6 +212,11 @@ class ZVMATH_EXPORT ZVRouletteThompson : public ZVThompson
 public:
     /// The engine is seeded with 0.
     explicit ZVRouletteThompson(unsigned int armCount);
+    ZVRouletteThompson(const ZVRouletteThompson&) = default;
+    ZVRouletteThompson(ZVRouletteThompson&&) = default;
+    /// Unchanged when memory runs out.
+    ZVRouletteThompson& operator=(const ZVRouletteThompson& other);
+    ZVRouletteThompson& operator=(ZVRouletteThompson&&) = default;
 
     /// The engine is seeded with `seed`.
     void Seed(unsigned int seed) override;

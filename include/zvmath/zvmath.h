@@ -6,6 +6,7 @@
 #include "zvmath/dbscan.h"
 #include "zvmath/kernelpls.h"
 #include "zvmath/matrix.h"
+#include "zvmath/simple_shapes.h"
 #include "zvmath/special_functions.h"
 #include "zvmath/stats.h"
 #include "zvmath/thompson.h"

@@ -14,6 +14,7 @@ void AddStatsBenchmarks();
 void AddSpecialFunctionsBenchmarks();
 void AddLassoBenchmarks();
 void AddThompsonBenchmarks();
+void AddSimpleShapesBenchmarks();
 
 /// Names and versions of the peers that are compiled in.
 inline std::vector<std::string> peerVersions;

@@ -180,6 +180,7 @@ int main(int argc, char** argv)
     AddSpecialFunctionsBenchmarks();
     AddLassoBenchmarks();
     AddThompsonBenchmarks();
+    AddSimpleShapesBenchmarks();
     TableReporter reporter;
     const size_t matches = benchmark::RunSpecifiedBenchmarks(&reporter);
     if (!reporter.failure.empty())

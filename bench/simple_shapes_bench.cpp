@@ -4,6 +4,10 @@
 #include <Eigen/Geometry>
 #include <random>
 
+#ifdef ZVMATH_HAVE_CGAL
+#include "cgal_peer.h"
+#endif
+
 namespace
 {
 
@@ -116,6 +120,21 @@ void AddSimpleShapesBenchmarks()
         };
         AddBenchmark(workload, "zvmath", points, Bound, IsBound);
         AddBenchmark(workload, "Eigen", points, BoundByEigen, IsBound);
+#ifdef ZVMATH_HAVE_CGAL
+        const auto ofCgal = [=]() -> const CgalPoints& {
+            static std::shared_ptr<const CgalPoints> few, many;
+            std::shared_ptr<const CgalPoints>& made = n == 1000 ? few : many;
+            if (!made)
+                made = MakeCgalPoints(points().coords);
+            return *made;
+        };
+        AddBenchmark(workload, "CGAL", ofCgal, BoundByCgal,
+                     [=](const CgalPoints&, const std::array<float, 6>& b) {
+                         ZVBox box;
+                         box.Setup(b[0], b[1], b[2], b[3], b[4], b[5]);
+                         return IsBound(points(), box);
+                     });
+#endif
         AddBenchmark(workload, "plain", points, BoundPlainly, IsBound);
     }
     const auto points = []() -> const Points& {

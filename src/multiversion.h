@@ -22,7 +22,8 @@ namespace ZVMath
 typedef double Vec4 __attribute__((vector_size(32)));
 
 /// Four doubles in memory, at any address that a double may have. (A vector type of less alignment
-/// would do, but Clang forgets the alignment when a reference is made to it.)
+/// would do, but Clang forgets the alignment when a reference is made to it. So it does with `v`,
+/// which is to be read and written, and not to be passed by reference.)
 struct __attribute__((packed, aligned(8), may_alias)) FourInMemory
 {
     Vec4 v;
@@ -36,6 +37,25 @@ ZVMATH_INLINE FourInMemory& Four(double* p)
 ZVMATH_INLINE const FourInMemory& Four(const double* p)
 {
     return *reinterpret_cast<const FourInMemory*>(p);
+}
+
+/// Likewise for floats, and the bits of eight of them, which a comparison yields too: all or none.
+typedef float Vec8 __attribute__((vector_size(32)));
+typedef int Bits8 __attribute__((vector_size(32)));
+
+struct __attribute__((packed, aligned(4), may_alias)) EightInMemory
+{
+    Vec8 v;
+};
+
+ZVMATH_INLINE EightInMemory& Eight(float* p)
+{
+    return *reinterpret_cast<EightInMemory*>(p);
+}
+
+ZVMATH_INLINE const EightInMemory& Eight(const float* p)
+{
+    return *reinterpret_cast<const EightInMemory*>(p);
 }
 
 }  // namespace ZVMath

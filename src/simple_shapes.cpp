@@ -21,13 +21,6 @@ ZVMATH_INLINE void Lower(float& least, float value)
     least = value < least ? value : least;
 }
 
-/// Eight floats side by side, and in memory at any address that a float may have.
-typedef float Vec8 __attribute__((vector_size(32)));
-struct __attribute__((packed, aligned(4), may_alias)) EightInMemory
-{
-    Vec8 v;
-};
-
 /// The largest and the smallest coordinates of `count` > 0 points, but that a zero may have the
 /// wrong sign.
 ZVMATH_CLONES void FindExtremes(float* most, float* least, const float* coords, size_t count)
@@ -45,7 +38,7 @@ ZVMATH_CLONES void FindExtremes(float* most, float* least, const float* coords, 
         Vec8 leasts[3] = {mosts[0], mosts[1], mosts[2]};
         for (; i + group <= count; i += group)
             for (size_t k = 0; k < 3; ++k) {
-                const Vec8 v = reinterpret_cast<const EightInMemory*>(coords + 3 * i + 8 * k)->v;
+                const Vec8 v = Eight(coords + 3 * i + 8 * k).v;
                 mosts[k] = v > mosts[k] ? v : mosts[k];
                 leasts[k] = v < leasts[k] ? v : leasts[k];
             }

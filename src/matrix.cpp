@@ -2,6 +2,7 @@
 
 #include "matrix_minors.h"
 #include "matrix_product.h"
+#include "zvplatform/streams.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -61,6 +62,17 @@ ZVMatrix& ZVMatrix::operator=(ZVMatrix&& other) noexcept
         other.data.clear();
     }
     return *this;
+}
+
+bool ZVMatrix::SwapContents(unsigned int newRows, unsigned int newColumns,
+                            std::vector<double>& elements)
+{
+    if (TooLarge(newRows, newColumns) || elements.size() != Count(newRows, newColumns))
+        return false;
+    rows = newRows;
+    columns = newColumns;
+    data.swap(elements);
+    return true;
 }
 
 void ZVMatrix::Resize(unsigned int newRows, unsigned int newColumns, double value)
@@ -231,6 +243,28 @@ void ZV4x4Matrix::Clear()
 
 void ZV4x4Matrix::Resize(unsigned int, double)
 {
+}
+
+void ZVPrintMatrix(const ZVMatrix& matrix, ZVPlatform::zvostream& stream)
+{
+    // Gathered, since a stream's write is a virtual call: as much as fits, an element less.
+    constexpr std::ptrdiff_t roomForElement = 40;
+    char text[4096];
+    char* end = text;
+    const double* element = matrix.GetData().data();
+    const double* const last = element + matrix.GetData().size();
+    const unsigned int columns = matrix.GetNumColumns();
+    for (unsigned int c = 0; element != last; ++element) {
+        end = ZVPlatform::ZVFormatDouble(end, *element);
+        const bool endsRow = ++c == columns;
+        *end++ = endsRow ? '\n' : '\t';
+        if (endsRow)
+            c = 0;
+        if (text + sizeof text - end < roomForElement || element + 1 == last) {
+            stream << std::string_view(text, static_cast<size_t>(end - text));
+            end = text;
+        }
+    }
 }
 
 }  // namespace ZVMath

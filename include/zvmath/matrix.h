@@ -5,6 +5,11 @@
 #include <cstddef>
 #include <vector>
 
+namespace ZVPlatform
+{
+class zvostream;
+}
+
 namespace ZVMath
 {
 
@@ -27,6 +32,7 @@ public:
     /// Leaves `other` 0 x 0.
     ZVMatrix(ZVMatrix&& other) noexcept;
     ZVMatrix& operator=(const ZVMatrix& other);
+    /// Leaves `other` 0 x 0.
     ZVMatrix& operator=(ZVMatrix&& other) noexcept;
     virtual ~ZVMatrix() = default;
 
@@ -42,6 +48,7 @@ public:
     /// A row out of range: nothing. `values` may be this matrix's own `GetData()`.
     void SetRowData(unsigned int row, const std::vector<double>& values);
 
+    /// The shape.
     unsigned int GetNumRows() const { return rows; }
     unsigned int GetNumColumns() const { return columns; }
     /// The elements, row by row.
@@ -71,6 +78,9 @@ public:
 protected:
     /// For derived classes: the elements, to be written in place.
     double* Elements() { return data.data(); }
+    /// For derived classes: makes it rows x columns with these elements, if there are as many of
+    /// them, in exchange for its former ones. Whether it did.
+    bool SwapContents(unsigned int rows, unsigned int columns, std::vector<double>& elements);
 
 private:
     unsigned int rows = 0;
@@ -149,5 +159,9 @@ public:
     /// Does nothing: the matrix stays 4 x 4.
     void Resize(unsigned int n, double value = 0.0) override;
 };
+
+/// Writes a line for each row, its elements separated by tabs ("zvplatform/streams.h" says how they
+/// look: they read back to the same bits, but for a NaN's). A matrix without elements: nothing.
+ZVMATH_EXPORT void ZVPrintMatrix(const ZVMatrix& matrix, ZVPlatform::zvostream& stream);
 
 }  // namespace ZVMath

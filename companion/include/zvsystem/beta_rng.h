@@ -33,6 +33,7 @@ template <class Source> class BetaDraws;
 class ZVCOMPANION_EXPORT ZVBetaRNG
 {
 public:
+    /// Draws of Beta(alpha, beta).
     ZVBetaRNG(double alpha, double beta);
 
     /// One draw, from `engine`'s `getUnsigned`.

@@ -14,7 +14,9 @@ namespace ZVSystem
 /// constructors and destructors of other globals too.
 struct ZVWarningSink
 {
+    /// Takes a message.
     void (*write)(void* context, const char* message) = nullptr;
+    /// Handed to `write`.
     void* context = nullptr;
 };
 

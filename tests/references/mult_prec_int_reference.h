@@ -1,0 +1,63 @@
+#pragma once
+
+// Made by mult_prec_int.py.
+
+#include <cstdint>
+#include <vector>
+
+namespace ZVTest
+{
+
+/// The digest of all steps so far, after each 100 of them.
+struct MultPrecIntReference
+{
+    uint64_t seed;
+    std::vector<uint64_t> digests;
+};
+
+// clang-format off
+inline const MultPrecIntReference multPrecIntReferences[] = {
+    {1,
+     {0x2792083ff972ee46, 0x2fd0eeb073fd3515, 0x8046b47d0720f599, 0xd74081d9ca4dc664, 0xd17b8e060af39723,
+      0x03865271f7fa870a, 0x8b71430cf8f7afed, 0xba5abdb6a1c1625f, 0x0f110dcf95d2a8d2, 0x670d265bce9f998f,
+      0xab4370cb6084ab39, 0x2ef2606b9effb5e7, 0x301209ecc9b26ccb, 0xb2cd414e394ac604, 0xa7e76f19c3ab2310,
+      0x9353f3c0308c438c, 0x473475e784ba74f8, 0x5782f7ca936181f4, 0x864363a1e412ca3c, 0x6ea44fe4643ee579}},
+    {2,
+     {0xe072831464a3a292, 0x6bda1265b05a4110, 0x078e701f761ab3a4, 0x398da21909af990c, 0xb3530eff8e3b423e,
+      0x104ca2c5507b3ffd, 0x91bab0076ab62f1b, 0xbe9e89ca89194a70, 0x6415df78d1de2fbf, 0xb2145d6ce2dfceef,
+      0xecbd35aff836937f, 0xbe23dfea394325f5, 0x0a988ecf44c70cae, 0x88cfd04453482219, 0xbe89aca24067523f,
+      0x3323738392ac8efe, 0xc1f47926cbe0bbcb, 0x4f2752d7b1a35588, 0x3c69c8140923ee09, 0x0c3a311e2134bd94}},
+    {3,
+     {0x645ed8df3b2faac2, 0x7f9772f99b04a333, 0x49c52a4a96f9c2e1, 0x04a108306853a4cd, 0x4ee59b192b506281,
+      0x13656ab3c55a9610, 0xb962426c9da39dbd, 0xf846d1e4b5e13a6a, 0xf5c108c468667156, 0x8dc720f6a223cd5d,
+      0x0c9381597babed10, 0x62a39963124d8a75, 0x37412c7755786b47, 0x700f55473552df83, 0x274e41fc80cd10c7,
+      0x3b59f365c51c5fc7, 0xd7dc3c5738594a4d, 0x394c30ff41092498, 0x285d4cec0743fb4b, 0xf93c2ad9c0752fb1}},
+    {4,
+     {0x1b20b8de9a51bd79, 0xac79a601c55c00b7, 0xaa4cca613fed42ad, 0xd1ea09fda12be68d, 0x6885df1e6057cbcd,
+      0x0928c7b8f3f047b1, 0x6c3263e0f48d4b4c, 0x830565cfa5f0345c, 0x0c8a64c9b9161c9b, 0xb43c0cdfee36d88d,
+      0x0795e27f8574ceda, 0x7f5bb9e749ef4e15, 0x7ff593d26c8c4d51, 0x807fba36097c2227, 0xbe54f78c88d3a662,
+      0xfd36cc0ee407c44c, 0x2cd43a724a097c08, 0x3ce585b767e32598, 0x20e28df73a7ba0f7, 0x94bcb6df83f8aa0f}},
+    {5,
+     {0xafdb16be51c244e3, 0x24459b990d74d2c0, 0x2bb06e50f28ac0d9, 0x48c17ee2d0f36ff8, 0xbed934101c29cf76,
+      0x7c16adce4a820328, 0x671aa7426644ae6c, 0xedf0fb6d7caa716c, 0xe4b8cd6063acee5c, 0xbd502f037fbb0ced,
+      0x0414127c4b310501, 0x0c697461671a4026, 0x84afbb8d5ad8950b, 0x1c9d551eb009336a, 0x7b4767fbeb0ba33f,
+      0xdd174b1ae03090e2, 0x44c0fb6dfbbbf74c, 0xb2e1bf81c2a3cfc0, 0xe3f58bdff01d7d4d, 0x9275ad2a9e2b9e2c}},
+    {6,
+     {0x9549bc0af0d8ba83, 0x21b6ee9b457fd16c, 0xeafc1956f8ed723c, 0x0e5441ec030ba3a9, 0x6fe98000126ddc51,
+      0x4a9856e66420a620, 0xaa6499e2b6e139d6, 0xa0dd1c95d137e4b4, 0xa8d0bc0ceabc5186, 0xab3c3ab81d5dff5f,
+      0xe6b7d235e072e614, 0xc260a143a4822bec, 0x9d1d50a31e1ca241, 0x6187d414218d3065, 0xd5950cb4c45c92f8,
+      0x6aef7e9fbfbfa6c8, 0xf7ef3090707ac6b5, 0xf9583bd7a7c7c3fa, 0x3732b40fc8ecb7ce, 0x228d82f37ec5631a}},
+    {7,
+     {0xdc34906ee8f9b835, 0x0b8a99e5fc091b46, 0xf3677f8945b67812, 0x300ff40010a88c4b, 0xf08022046d3a9f5f,
+      0x7e84abbc65873d2a, 0x25c1a3a1adc77ebc, 0xf3eaae4c6914da0f, 0x312e201d9e03767a, 0x791b79f740caddbb,
+      0x426771346aaffb50, 0x41d82b421599d760, 0xb99b57353c1361c0, 0x179eecac136f3d4f, 0xce3e8f43cb9d1239,
+      0xeaffc2f6029500a3, 0x858fd0de1d34d8bd, 0x07bfb45711990b3b, 0xcb9f83ee56fe50ee, 0xb39552a78e80c70c}},
+    {8,
+     {0x80abaecc784959b5, 0x1eb641b3b0f4819a, 0x004d9205b384f981, 0x3bb2138291c2dc7e, 0xa05b323667f6a456,
+      0xba7e103947251d2c, 0x9dea4fd94bde0968, 0xe93faa81ef89d162, 0x60fe27263434a40e, 0x40217dfae67a081c,
+      0xd3145146323783c5, 0x450f736f76de0fbf, 0xc189af25d46722f1, 0x4343667913bae236, 0x0e7f9d089b02aea3,
+      0xfdd58bb891bc270e, 0x6c5c334c1fde5021, 0x964ce3762b17d94c, 0xe06ad52f2436fec8, 0x7d8910042126ee95}},
+};
+// clang-format on
+
+}  // namespace ZVTest

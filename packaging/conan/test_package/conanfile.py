@@ -1,0 +1,28 @@
+"""Builds and runs the program that the library's own tests build against an installed library."""
+
+import os
+
+from conan import ConanFile
+from conan.tools.build import can_run
+from conan.tools.cmake import CMake, cmake_layout
+
+
+class ZVMathTestConan(ConanFile):
+    settings = "os", "arch", "compiler", "build_type"
+    generators = "CMakeDeps", "CMakeToolchain"
+
+    def requirements(self):
+        self.requires(self.tested_reference_str)
+
+    def layout(self):
+        cmake_layout(self)
+
+    def build(self):
+        cmake = CMake(self)
+        cmake.configure(build_script_folder=os.path.join("..", "..", "..", "tests", "package"))
+        cmake.build()
+
+    def test(self):
+        if can_run(self):
+            for program in ("math_only", "consumer"):
+                self.run(os.path.join(self.cpp.build.bindir, program), env="conanrun")

@@ -8,6 +8,7 @@
 
 /// The rows that each unit adds to the table, in the table's order.
 void AddMatrixBenchmarks();
+void AddMatrixDumpBenchmarks();
 void AddDbscanBenchmarks();
 void AddKernelplsBenchmarks();
 void AddStatsBenchmarks();
@@ -15,6 +16,9 @@ void AddSpecialFunctionsBenchmarks();
 void AddLassoBenchmarks();
 void AddThompsonBenchmarks();
 void AddSimpleShapesBenchmarks();
+void AddEnclosingBoxBenchmarks();
+void AddRootsBenchmarks();
+void AddMultPrecIntBenchmarks();
 
 /// Names and versions of the peers that are compiled in.
 inline std::vector<std::string> peerVersions;

@@ -174,6 +174,7 @@ int main(int argc, char** argv)
         return 2;
 
     AddMatrixBenchmarks();
+    AddMatrixDumpBenchmarks();
     AddDbscanBenchmarks();
     AddKernelplsBenchmarks();
     AddStatsBenchmarks();
@@ -181,6 +182,9 @@ int main(int argc, char** argv)
     AddLassoBenchmarks();
     AddThompsonBenchmarks();
     AddSimpleShapesBenchmarks();
+    AddEnclosingBoxBenchmarks();
+    AddRootsBenchmarks();
+    AddMultPrecIntBenchmarks();
     TableReporter reporter;
     const size_t matches = benchmark::RunSpecifiedBenchmarks(&reporter);
     if (!reporter.failure.empty())

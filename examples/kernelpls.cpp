@@ -6,6 +6,7 @@
 #include "zvmath/kernelpls.h"
 #include "zvmath/stats.h"
 
+using ZVMath::ZVDataSeries;
 using ZVMath::ZVKernelPLS;
 using ZVMath::ZVMean;
 using ZVMath::ZVRMSE;
@@ -92,8 +93,10 @@ void Run(const std::string& data, const std::string& output)
     for (unsigned int i = 0; i < kernel.GetNumRows(); ++i)
         kernel.SetRowData(i, trainingKernel[i]);
 
-    std::ofstream file = OpenForWriting(output + "/kernelpls.dat");
-    file << "# features, RMSE of the training half, RMSE of the test half\n";
+    ZVDataSeries trainingErrors, testErrors, predictions;
+    trainingErrors.SetTitle("features, RMSE of the training half");
+    testErrors.SetTitle("features, RMSE of the test half");
+    predictions.SetTitle("test half: measured, predicted with the best number of features");
     std::printf("%zu patients to learn from, %zu to test on; sigma = %.1f\n\n", training.size(),
                 test.size(), sigma);
     std::printf("              training half        test half\n");
@@ -111,7 +114,8 @@ void Run(const std::string& data, const std::string& output)
         std::printf("%8u  %7.2f  %9.3f  %7.2f  %9.3f\n", features, trainingError,
                     ZVRSquared(trainingMeasured, learnt), testError,
                     ZVRSquared(testMeasured, predicted));
-        file << features << ' ' << trainingError << ' ' << testError << '\n';
+        trainingErrors.AddPoint({static_cast<double>(features), trainingError});
+        testErrors.AddPoint({static_cast<double>(features), testError});
         if (bestPredicted.empty() || testError < ZVRMSE(testMeasured, bestPredicted)) {
             bestFeatures = features;
             bestPredicted = predicted;
@@ -123,9 +127,10 @@ void Run(const std::string& data, const std::string& output)
                 "number of features was chosen on the same half.\n",
                 bestFeatures, ZVRMSE(testMeasured, bestPredicted));
 
-    file << "\n\n# measured, predicted with " << bestFeatures << " features: the test half\n";
     for (size_t i = 0; i < test.size(); ++i)
-        file << testMeasured[i] << ' ' << bestPredicted[i] << '\n';
+        predictions.AddPoint({testMeasured[i], bestPredicted[i]});
+    std::ofstream file = OpenForWriting(output + "/kernelpls.dat");
+    AddSeries(file, {&trainingErrors, &testErrors, &predictions});
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ set output folder.'/kernelpls.png'
 blue = '#0072B2'
 orange = '#D55E00'
 
-stats data index 0 using 1:3 nooutput
+stats data index 1 using 1:2 nooutput
 best = STATS_pos_min_y
 error = STATS_min_y
 
@@ -25,7 +25,7 @@ set yrange [0:350]
 set tics 50
 set key top left reverse Left samplen 2
 plot x with lines dt 2 lw 1.5 lc rgb 'black' title 'predicted = measured', \
-     data index 1 using 1:2 with points pt 7 ps 0.9 lc rgb blue title 'one patient'
+     data index 2 using 1:2 with points pt 7 ps 0.9 lc rgb blue title 'one patient'
 
 set title 'More features do not predict better' font ',13'
 set xlabel 'number of features'
@@ -35,6 +35,6 @@ set yrange [40:70]
 set xtics 1,1
 set ytics 5
 set arrow from best,graph 0 to best,error dt 3 lc rgb 'black' nohead
-plot data index 0 using 1:3 with linespoints pt 9 ps 1.3 lw 2 lc rgb orange title 'test half', \
+plot data index 1 using 1:2 with linespoints pt 9 ps 1.3 lw 2 lc rgb orange title 'test half', \
      data index 0 using 1:2 with linespoints pt 7 ps 1.1 lw 2 lc rgb blue title 'training half'
 unset multiplot

@@ -66,22 +66,15 @@ void Run(const std::string& data, const std::string& output)
     const std::vector<std::vector<double>> path = model.GetCoefficients();
     const std::vector<unsigned int> actives = model.GetActives();
 
-    std::ofstream file = OpenForWriting(output + "/lasso.dat");
-    file << "# sum of the sizes, then the coefficients of";
     std::printf("%zu patients, %zu measurements\n\n", table.rows.size(), table.names.size());
     std::printf("                            coefficients after the step\n");
     std::printf("step  enters      r    R^2 ");
-    for (const unsigned int j : actives) {
+    for (const unsigned int j : actives)
         std::printf("%7s", table.names[j].c_str());
-        file << ' ' << table.names[j];
-    }
     std::printf("\n");
-    file << "\n0";
-    for (size_t i = 0; i < actives.size(); ++i)
-        file << " 0";
-    file << '\n';
 
     Eigen::VectorXd rest = problem.y;
+    std::vector<ZVMath::ZVDataSeries> lines(path.size());  // coefficients by the sum of their sizes
     std::vector<double> entries = {0.0};
     for (size_t step = 0; step < path.size(); ++step) {
         const std::vector<double>& beta = path[step];
@@ -98,17 +91,22 @@ void Run(const std::string& data, const std::string& output)
             sum += std::abs(b);
         }
         std::printf("\n");
+        lines[step].AddPoint({entries.back(), 0.0});
+        for (size_t i = 0; i < beta.size(); ++i)
+            lines[i].AddPoint({sum, beta[i]});
         entries.push_back(sum);
-        file << sum;
-        for (size_t i = 0; i < actives.size(); ++i)
-            file << ' ' << (i < beta.size() ? beta[i] : 0.0);
-        file << '\n';
     }
 
-    file << "\n\n# name, where it enters, height of its label\n";
+    std::ofstream file = OpenForWriting(output + "/lasso.dat");
+    file << "# name, where it enters, height of its label\n";
     const std::vector<double> heights = Heights(path.back(), 3.2);
     for (size_t i = 0; i < actives.size(); ++i)
         file << table.names[actives[i]] << ' ' << entries[i] << ' ' << heights[i] << '\n';
+    file << "\n\n";
+    for (size_t i = 0; i < lines.size(); ++i) {
+        lines[i].SetTitle("sum of the sizes, coefficient of " + table.names[actives[i]]);
+        AddSeries(file, {&lines[i]});
+    }
 }
 
 }  // namespace

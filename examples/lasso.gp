@@ -11,9 +11,10 @@ set output folder.'/lasso.png'
 colours = '0x0072B2 0xD55E00 0x009E73 0xCC79A7 0xE69F00'
 colour(i) = int(word(colours, int(i) % 5 + 1))
 
-stats data index 0 using 1 nooutput
+stats data index 0 using 2 nooutput
+count = STATS_records
+stats data index 1 using 1 nooutput
 end = STATS_max
-count = STATS_records - 1
 
 set title 'Diabetes: ten measurements enter a linear model' font ',15' offset 0,0.5
 set border 3
@@ -30,8 +31,8 @@ set rmargin 6
 set xzeroaxis lt 1 lc rgb 'black'
 set dashtype 2 (9, 4)
 unset key
-plot data index 1 using 2:(-42):(0):(84):x2ticlabels(sprintf('%d', $0 + 1)) axes x2y1 \
+plot data index 0 using 2:(-42):(0):(84):x2ticlabels(sprintf('%d', $0 + 1)) axes x2y1 \
          with vectors nohead dt 3 lc rgb '#999999', \
-     for [i=0:count-1] data index 0 every ::i using 1:(column(i + 2)) \
+     for [i=0:count-1] data index i+1 using 1:2 \
          with lines lw 2.5 dt i/5+1 lc rgb colour(i), \
-     data index 1 using (end):3:1:(colour($0)) with labels left offset 0.8,0 tc rgb variable
+     data index 0 using (end):3:1:(colour($0)) with labels left offset 0.8,0 tc rgb variable

@@ -6,6 +6,8 @@
 
 #include "zvmath/stats.h"
 
+using ZVMath::ZVDataSeries;
+
 namespace
 {
 
@@ -111,25 +113,37 @@ void Run(const std::string& data, const std::string& output)
         Score("median of slopes, from doubled", spoiledMedians.At(test.length), measured);
     }
 
-    std::ofstream file = OpenForWriting(output + "/stats.dat");
-    file << "# eruption, waiting time, 1 if doubled: the first half\n";
-    for (size_t i = 0; i < training.length.size(); ++i)
-        file << training.length[i] << ' ' << spoiledTraining.waiting[i] << ' '
-             << (spoiledTraining.waiting[i] != training.waiting[i]) << '\n';
-    file << "\n\n# eruption, waiting time by least squares, by the median of slopes\n";
-    for (const double length : {1.5, 5.25})
-        file << length << ' ' << spoiledSquares.At({length})[0] << ' '
-             << spoiledMedians.At({length})[0] << '\n';
-    file << "\n\n# per cent doubled, RMSE, mean and median absolute deviation: the second half\n";
+    ZVDataSeries asMeasured, doubled;
+    asMeasured.SetTitle("eruption, waiting time as measured: the first half");
+    doubled.SetTitle("eruption, waiting time doubled");
+    for (size_t i = 0; i < training.length.size(); ++i) {
+        const double waiting = spoiledTraining.waiting[i];
+        (waiting == training.waiting[i] ? asMeasured : doubled)
+            .AddPoint({training.length[i], waiting});
+    }
+    ZVDataSeries bySquares, byMedians;
+    bySquares.SetTitle("eruption, waiting time by least squares");
+    byMedians.SetTitle("eruption, waiting time by the median of slopes");
+    for (const double length : {1.5, 5.25}) {
+        bySquares.AddPoint({length, spoiledSquares.At({length})[0]});
+        byMedians.AddPoint({length, spoiledMedians.At({length})[0]});
+    }
+    ZVDataSeries rmse, meanAbs, medianAbs;
+    rmse.SetTitle("per cent doubled, RMSE: the second half");
+    meanAbs.SetTitle("per cent doubled, mean absolute deviation");
+    medianAbs.SetTitle("per cent doubled, median absolute deviation");
     const std::vector<double> predicted = medians.At(test.length);
     for (const size_t interval : {1000u, 40u, 20u, 10u, 7u, 5u, 4u, 3u}) {
         const Eruptions measured = Spoiled(test, interval);
         const size_t numDoubled = test.length.size() / interval;
-        file << 100.0 * static_cast<double>(numDoubled) / static_cast<double>(test.length.size())
-             << ' ' << ZVMath::ZVRMSE(measured.waiting, predicted) << ' '
-             << ZVMath::ZVMeanAbsDeviation(measured.waiting, predicted) << ' '
-             << ZVMath::ZVMedianAbsDeviation(measured.waiting, predicted) << '\n';
+        const double percent =
+            100.0 * static_cast<double>(numDoubled) / static_cast<double>(test.length.size());
+        rmse.AddPoint({percent, ZVMath::ZVRMSE(measured.waiting, predicted)});
+        meanAbs.AddPoint({percent, ZVMath::ZVMeanAbsDeviation(measured.waiting, predicted)});
+        medianAbs.AddPoint({percent, ZVMath::ZVMedianAbsDeviation(measured.waiting, predicted)});
     }
+    std::ofstream file = OpenForWriting(output + "/stats.dat");
+    AddSeries(file, {&asMeasured, &doubled, &bySquares, &byMedians, &rmse, &meanAbs, &medianAbs});
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #pragma once
 
 // What the examples need besides the library: a table of numbers from a file, its columns brought
-// to one scale, and a way to fail with one clear line.
+// to one scale, a file of points to be plotted, and a way to fail with one clear line.
 
+#include "zvmath/datapoints.h"
 #include "zvmath/stats.h"
+#include "zvplatform/streams.h"
 
 #include <cmath>
 #include <cstddef>
@@ -108,6 +110,16 @@ inline std::ofstream OpenForWriting(const std::string& path)
     if (!file)
         throw std::runtime_error("cannot write " + path);
     return file;
+}
+
+/// Adds series to a file, from which gnuplot takes them by `index`: 0 is the first in the file.
+inline void AddSeries(std::ofstream& file, const std::vector<const ZVMath::ZVDataSeries*>& series)
+{
+    ZVPlatform::zvostdstream stream(file);
+    for (const ZVMath::ZVDataSeries* each : series) {
+        ZVMath::ZVPrintDataSeries(*each, stream);
+        stream << "\n\n";
+    }
 }
 
 /// The `main` of an example: checks the two arguments, and tells a failure in one line.

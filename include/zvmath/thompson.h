@@ -28,18 +28,22 @@
 namespace ZVMath
 {
 
+/// An engine with the constants of `Traits`: there is `MtRng<Mt32Traits>`.
 template <class Traits> class MtRng;
 
 /// The 32-bit Mersenne twister MT19937 (Matsumoto, Nishimura 1998, ACM Transactions on Modeling and
 /// Computer Simulation 8).
 struct Mt32Traits
 {
+    /// The recurrence's constants: words of state, the distance of the word that is mixed in, which
+    /// bits of a word come from which neighbour, and what a lost bit flips.
     static constexpr std::size_t stateSize = 624;
     static constexpr std::size_t shift = 397;
     static constexpr unsigned int upperMask = 0x80000000u;
     static constexpr unsigned int lowerMask = 0x7fffffffu;
     static constexpr unsigned int mag01[2] = {0x0u, 0x9908b0dfu};
 
+    /// The new bits of the word between the neighbours `u` and `v`.
     static unsigned int twist(const unsigned int& u, const unsigned int& v)
     {
         return (((u & upperMask) | (v & lowerMask)) >> 1) ^ mag01[v & 1u];
@@ -51,6 +55,7 @@ struct Mt32Traits
 template <> class ZVMATH_EXPORT MtRng<Mt32Traits> final : public ZVRanNumEngine
 {
 public:
+    /// Starts from `seed`, or from 5489.
     MtRng() : MtRng(5489u) {}
     explicit MtRng(unsigned int seed);
     MtRng(const MtRng&) = default;
@@ -104,6 +109,7 @@ public:
     /// One draw.
     double Rand();
 
+    /// The parameters.
     double GetAlpha() const { return alpha; }
     double GetBeta() const { return beta; }
 
@@ -120,6 +126,7 @@ private:
 class ZVMATH_EXPORT ZVThompson
 {
 public:
+    /// Arms are numbered from 0.
     explicit ZVThompson(unsigned int armCount) : numArms(armCount) {}
     virtual ~ZVThompson();
 
@@ -145,6 +152,7 @@ public:
     /// Sets the posterior of `arm`. Out of range: false, and nothing changes.
     virtual bool AssignPrior(unsigned int arm, double alpha, double beta) = 0;
 
+    /// N.
     unsigned int NumArms() const { return numArms; }
 
     /// Makes posteriors with alpha + beta = 10 out of probabilities of success: arm k gets 10 *

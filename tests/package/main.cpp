@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <zvmath/lasso.h>
 #include <zvmath/zvmath.h>
+#include <zvplatform/alloca.h>
+#include <zvplatform/binary_dump.h>
 #include <zvsystem/errors.h>
 
 namespace
@@ -36,6 +38,12 @@ void Print(const char* name, const std::vector<double>& values)
     for (const double value : values)
         std::printf(" %a", value);
     std::printf("\n");
+}
+
+/// Floats are exact as doubles.
+void Print(const char* name, const float* values, size_t count)
+{
+    Print(name, std::vector<double>(values, values + count));
 }
 
 void PrintEigen(const char* name, const Eigen::MatrixXd& m)
@@ -122,8 +130,55 @@ int main()
     Print("draws",
           {beta.Rand(), engine.getUnitDouble(), static_cast<double>(engine.getUnsigned())});
 
+    std::vector<float> points(600);
+    for (float& coordinate : points)
+        coordinate = static_cast<float>(Next());
+    ZVBox box;
+    float rotation[3];
+    box.Setup(points.data(), 200, 0.125f);
+    ZVPlatform::ZVSetAllocaThreshold(1000);
+    const bool found = ZVGetSmallestEnclosingBoxRotation(rotation, points.data(), 200, 12);
+    Print("box", {box.GetVolume(), box.GetArea(), found ? 1.0 : 0.0});
+    Print("rotation", rotation, 3);
+
+    const double tensor[] = {5, 1, -2, 1, 7, 0.5, -2, 0.5, 9};
+    double moments[3], axes[9];
+    ZVMakeRotationMatrix(moments, axes, tensor);
+    Print("moments", std::vector<double>(moments, moments + 3));
+    Print("axes", std::vector<double>(axes, axes + 9));
+    float symmetric[3][3] = {{5, 1, -2}, {1, 7, 0.5f}, {-2, 0.5f, 9}}, frame[3][3], roots[3];
+    zv_make_rmat2(symmetric, frame, 0);
+    get_roots_3_3(symmetric, roots);
+    Print("frame", frame[0], 9);
+    Print("roots", roots, 3);
+
+    ZVMultPrecInt sum(1);
+    for (int bit = 0; bit < 2000; ++bit)
+        sum += sum;
+    sum -= 3;
+    std::printf("integer: %s\n", ZVMultPrecInt(sum).GetImpl() ? "copied" : "lost");
+
+    ZVDataSeries series;
+    series.SetTitle("sums");
+    for (int i = 0; i < 3; ++i)
+        series.AddPoint({static_cast<double>(i), values[static_cast<size_t>(i)], 0.0, 0.25});
+    ZVPlatform::zvomemorystream text, record;
+    ZVPrintDataSeries(series, text);
+    ZVPrintMatrix(square, text);
+    std::printf("%s", text.text().c_str());
+    unsigned int status = 0, budget = 1000000;
+    const ZVPlatform::ZVBinaryDump::ZVImpl<ZVMatrix> dump;
+    dump.Write(record, false, product, status, budget);
+    ZVMatrix copy;
+    ZVPlatform::zvimemorystream source(record.contents().data(), record.contents().size());
+    dump.Read(source, false, false, false, 1, copy, status, budget);
+    std::printf("record: %u %u\n", status, budget);
+    Print("copy", copy.GetData());
+
     ZVSystem::ZVThrow.SetWarningSink(
         {[](void*, const char* message) { std::printf("warned: %s\n", message); }, nullptr});
     Print("without a model", {ZVKernelPLS().Predict({})});
+    const double tiny[9] = {0, 1e-10, 0, 1e-10, 0, 0, 0, 0, 0};
+    Print("no axes", {static_cast<double>(ZVPMIFromInertialTensor(moments, tiny))});
     return 0;
 }

@@ -77,7 +77,7 @@ int make_rmat1(double* values, float in[3][3], float out[3][3], int mode);
 int zv_make_rmat(double* values, float* in, float* out, int eigenvaluesOnly);
 
 /// What `zv_make_rmat2` does, with the eigenvalues, largest magnitude first: to 2e-5 of the largest
-/// where all three agree, 3e-8 where two do, else 1e-11. Where two agree so closely that the
+/// where all three agree, 3e-7 where two do, else 2e-11. Where two agree so closely that the
 /// discriminant is rounded to exactly 0, all three come out as their MEAN, yet the rows are right:
 /// the diagonal of out * in * out^T has the true ones. With -3 `values` are not written.
 int zv_make_rmat_alt(float in[3][3], float out[3][3], float* values);

@@ -26,9 +26,9 @@ namespace ZVMath
 /// more of the tensors with an axis of symmetry and small whole entries, some percent of others
 /// with one): all three come out as their MEAN.
 ///
-/// Error, at the scale named above: some 1e-15 of the largest moment where all differ by a third of
-/// it; growing as one over the product of a moment's distances from the others, to 3e-8 where two
-/// agree and to 2e-5 where all three do.
+/// Error, at the scale named above: 1e-14 of the largest moment where all differ by a third of it;
+/// growing as one over the product of a moment's distances from the others, to 3e-7 where two agree
+/// and to 2e-5 where all three do.
 /// Method: the trigonometric solution of the cubic (Viete; Smith 1961). Cost: some 80 ns.
 ZVMATH_EXPORT int ZVPMIFromInertialTensor(double* moments, const double* tensor);
 
